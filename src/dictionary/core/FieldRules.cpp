@@ -1,0 +1,147 @@
+#include "FieldRules.h"
+
+#include "document/VbText.h"
+
+namespace fb {
+
+QString GetFieldTypeText(const Node& field, QString& lengthText)
+{
+    lengthText.clear();
+    const QString type = field.attribute(QStringLiteral("TYPE"));
+    const auto digits = [&] { return field.attribute(QStringLiteral("DIGB")); };
+    const auto fraction = [&] { return digits() + u',' + field.attribute(QStringLiteral("DIGA")); };
+    const auto leng = [&] { return field.attribute(QStringLiteral("LENG")); };
+
+    if (type.size() != 1)
+        return QString();
+    switch (type[0].unicode()) {
+    case u'B':
+        lengthText = digits();
+        return QStringLiteral("Byte");
+    case u'I':
+        lengthText = digits();
+        return QStringLiteral("Integer");
+    case u'L':
+        lengthText = digits();
+        return QStringLiteral("Long");
+    case u'F':
+        lengthText = fraction();
+        return QStringLiteral("Float");
+    case u'D':
+        lengthText = fraction();
+        return QStringLiteral("Double");
+    case u'S':
+        lengthText = leng();
+        return QStringLiteral("String");
+    case u'M':
+        lengthText = leng();
+        return QStringLiteral("Multi-Byte String");
+    case u'E':
+        lengthText = leng();
+        return QStringLiteral("Enumerated");
+    case u'P':
+        lengthText = leng();
+        return QStringLiteral("Set");
+    case u'T':
+        lengthText = QStringLiteral("10");
+        return QStringLiteral("Date");
+    case u'K':
+        lengthText = QStringLiteral("15");
+        return QStringLiteral("UTC");
+    case u'U':
+        return QStringLiteral("Text");
+    default:
+        return QString();
+    }
+}
+
+QString BuildFieldExpression(const QString& expression, const QString& sourceType, const QString& targetType)
+{
+    const auto isString = [](const QString& t) {
+        return t == u"String" || t == u"Multi-Byte String";
+    };
+    if (targetType == u"Date") {
+        if (sourceType == u"Date")
+            return QStringLiteral("utc(") + expression + QStringLiteral(",0,2)");
+        return expression;
+    }
+    if (targetType == u"UTC") {
+        if (sourceType == u"Date")
+            return QStringLiteral("utc(") + expression + QStringLiteral(",0)");
+        if (sourceType == u"UTC")
+            return QStringLiteral("utc.utc(") + expression + u')';
+        return expression;
+    }
+    if (isString(targetType) && isString(sourceType) && expression.contains(u'(')) {
+        QString out = expression;
+        out.replace(u'(', QStringLiteral("(1,"));
+        return out;
+    }
+    return expression;
+}
+
+QString MandatoryMark(const Node& field)
+{
+    return field.attribute(QStringLiteral("MAN")) == u"Y" ? QStringLiteral("*") : QString();
+}
+
+QString FieldNumberText(const Node& field)
+{
+    const QString fno = field.attribute(QStringLiteral("FNo"));
+    const auto value = vb::NumericValue(fno);
+    if (!value)
+        return QStringLiteral("000");
+    // Two zeros for one-digit and for three-digit numbers alike (123 shows as
+    // 00123); the text itself, not the value, is padded.
+    if (*value <= 9 || *value >= 100)
+        return QStringLiteral("00") + fno;
+    return u'0' + fno;
+}
+
+QString QualifiedFieldName(const Node& table, const Node& field)
+{
+    return table.name().toLower() + u'.' + ToDisplayFieldName(field.name()).toLower();
+}
+
+QString AlignmentWord(const Node& field)
+{
+    const QString a = field.attribute(QStringLiteral("ADJU"));
+    if (a == u"R")
+        return QStringLiteral("Right");
+    if (a == u"L")
+        return QStringLiteral("Left");
+    if (a == u"C")
+        return QStringLiteral("Centre");
+    return QStringLiteral("No");
+}
+
+QString CaseWord(const Node& field)
+{
+    const QString c = field.attribute(QStringLiteral("CASE"));
+    if (c == u"U")
+        return QStringLiteral("Upper");
+    if (c == u"L")
+        return QStringLiteral("Lower");
+    return QStringLiteral("No");
+}
+
+FieldRow MakeFieldRow(const Node& table, const Node& field)
+{
+    FieldRow row;
+    row.mandatory = MandatoryMark(field);
+    row.number = FieldNumberText(field);
+    row.name = QualifiedFieldName(table, field);
+    row.type = GetFieldTypeText(field, row.length);
+    row.description = field.attribute(QStringLiteral("DSCA"));
+    row.alignment = AlignmentWord(field);
+    row.letterCase = CaseWord(field);
+    row.domain = field.attribute(QStringLiteral("DOMAIN"));
+    return row;
+}
+
+QString FieldPartOf(const QString& qualifiedName)
+{
+    return qualifiedName.mid(9);
+}
+
+} // namespace fb

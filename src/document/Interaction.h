@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+
+namespace fb {
+
+// Message box and input box kinds, as the control's messages are designed.
+enum class MsgIcon { None, Critical, Exclamation, Information, Question };
+enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class MsgAnswer { Ok, Cancel, Yes, No };
+
+// The one seam through which the pure core talks to the person at the screen.
+// The control implements it with real modal boxes; tests record what was
+// asked and answer from a script. A title that is "" means the box has no
+// title of its own.
+class Interaction {
+public:
+    virtual ~Interaction() = default;
+
+    virtual MsgAnswer MsgBox(const QString& prompt, MsgButtons buttons, MsgIcon icon,
+                             const QString& title = QString()) = 0;
+    // Returns "" when the user cancels, as an input box does.
+    virtual QString InputBox(const QString& prompt, const QString& title,
+                             const QString& defaultText = QString()) = 0;
+    // A "migrate" statement was refused: the precondition editor, where those
+    // statements live, takes the focus.
+    virtual void FocusPreconditionEditor() {}
+    // The list of migrate tables has been worked out anew; views of it refill.
+    virtual void MigrateTablesChanged() {}
+};
+
+// An Interaction that shows nothing and answers every box with its first
+// button; for headless use.
+class SilentInteraction : public Interaction {
+public:
+    MsgAnswer MsgBox(const QString&, MsgButtons buttons, MsgIcon, const QString&) override
+    {
+        switch (buttons) {
+        case MsgButtons::YesNo:
+        case MsgButtons::YesNoCancel:
+            return MsgAnswer::Yes;
+        default:
+            return MsgAnswer::Ok;
+        }
+    }
+    QString InputBox(const QString&, const QString&, const QString&) override { return QString(); }
+};
+
+} // namespace fb

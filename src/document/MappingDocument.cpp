@@ -1,0 +1,767 @@
+#include "MappingDocument.h"
+
+#include "FieldNames.h"
+#include "VbText.h"
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace fb {
+
+namespace {
+
+constexpr qint16 kErrInvalidXml = 1;
+const char16_t kInvalidXmlText[] = u"The Loaded XML was not a Valid XML. Please refresh";
+constexpr qint16 kErrGetNode = 2001;
+const char16_t kGetNodeText[] = u"Error Getting Node (GetNode)";
+// Failures of the object model that the original platform would raise as
+// run-time errors: an object that is not there, and a name the DOM refuses.
+constexpr qint16 kErrNoObject = 91;
+const char16_t kNoObjectText[] = u"Object variable or With block variable not set";
+constexpr qint16 kErrInvalidName = 2005;
+
+// Declarations, processing instructions, comments and document types are
+// kept as nodes, so that a document starting with one of them has that node,
+// not the root element, as its first child. Parsing as a fragment keeps text
+// outside the root element, so that it can be refused as not well-formed.
+constexpr unsigned kParseFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
+                                 pugi::parse_comments | pugi::parse_doctype | pugi::parse_fragment;
+
+pugi::xml_node toPugi(pugi::xml_node_struct* n)
+{
+    return pugi::xml_node(n);
+}
+
+std::string utf8(const QString& s)
+{
+    const QByteArray b = s.toUtf8();
+    return std::string(b.constData(), size_t(b.size()));
+}
+
+QString fromUtf8(const char* s)
+{
+    return QString::fromUtf8(s);
+}
+
+// Line ends as the parser would leave them after the text went through a
+// save and a load: CR LF and lone CR become LF. Storing them that way keeps
+// the document the same whether or not the host has round-tripped it.
+QString parsedLineEnds(const QString& text)
+{
+    if (!text.contains(u'\r'))
+        return text;
+    QString out = text;
+    out.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    out.replace(u'\r', u'\n');
+    return out;
+}
+
+bool canHoldElements(pugi::xml_node n)
+{
+    return n.type() == pugi::node_element || n.type() == pugi::node_document;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// Node
+
+bool Node::isElement() const
+{
+    return toPugi(m_node).type() == pugi::node_element;
+}
+
+QString Node::name() const
+{
+    return m_node ? fromUtf8(toPugi(m_node).name()) : QString();
+}
+
+QString Node::text() const
+{
+    const pugi::xml_node n = toPugi(m_node);
+    if (!n)
+        return QString();
+    if (n.type() == pugi::node_pcdata || n.type() == pugi::node_cdata)
+        return fromUtf8(n.value());
+    // Fast path for the common case of one text child.
+    const pugi::xml_node first = n.first_child();
+    if (first && !first.next_sibling() && (first.type() == pugi::node_pcdata || first.type() == pugi::node_cdata))
+        return fromUtf8(first.value());
+
+    std::string out;
+    pugi::xml_node cur = first;
+    while (cur) {
+        if (cur.type() == pugi::node_pcdata || cur.type() == pugi::node_cdata)
+            out += cur.value();
+        if (cur.first_child()) {
+            cur = cur.first_child();
+            continue;
+        }
+        while (cur && cur != n && !cur.next_sibling())
+            cur = cur.parent();
+        if (!cur || cur == n)
+            break;
+        cur = cur.next_sibling();
+    }
+    return QString::fromUtf8(out.data(), qsizetype(out.size()));
+}
+
+QString Node::attribute(const QString& name) const
+{
+    if (!m_node)
+        return QString();
+    const pugi::xml_attribute a = toPugi(m_node).attribute(utf8(name).c_str());
+    return a ? fromUtf8(a.value()) : QString();
+}
+
+bool Node::hasAttribute(const QString& name) const
+{
+    return m_node && bool(toPugi(m_node).attribute(utf8(name).c_str()));
+}
+
+Node Node::parent() const
+{
+    return m_node ? Node(toPugi(m_node).parent().internal_object()) : Node();
+}
+
+bool Node::hasChildNodes() const
+{
+    return m_node && bool(toPugi(m_node).first_child());
+}
+
+Node Node::firstChildElement() const
+{
+    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element)
+            return Node(c.internal_object());
+    return Node();
+}
+
+Node Node::nextSiblingElement() const
+{
+    if (!m_node)
+        return Node();
+    for (pugi::xml_node c = toPugi(m_node).next_sibling(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element)
+            return Node(c.internal_object());
+    return Node();
+}
+
+Node Node::childElement(const QString& name) const
+{
+    if (!m_node)
+        return Node();
+    const std::string n = utf8(name);
+    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element && std::strcmp(c.name(), n.c_str()) == 0)
+            return Node(c.internal_object());
+    return Node();
+}
+
+QList<Node> Node::childElements() const
+{
+    QList<Node> out;
+    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element)
+            out.append(Node(c.internal_object()));
+    return out;
+}
+
+// ---------------------------------------------------------------------------
+// MappingDocument
+
+struct MappingDocument::Impl {
+    pugi::xml_document doc;
+
+    // All elements that an absolute path of plain steps names, in document
+    // order. Each step is compared exactly with an element name, blanks
+    // included, so a blank-padded table name finds nothing. With an attribute
+    // name, only elements whose attribute has exactly that value qualify.
+    std::vector<pugi::xml_node> select(const QString& path, const QString& attrName, const QString& attrValue,
+                                       bool firstOnly) const
+    {
+        std::vector<pugi::xml_node> found;
+        if (!path.startsWith(u'/'))
+            return found;
+        const QStringList stepList = path.mid(1).split(u'/');
+        std::vector<std::string> steps;
+        steps.reserve(size_t(stepList.size()));
+        for (const QString& s : stepList) {
+            if (s.isEmpty())
+                return found;
+            steps.push_back(utf8(s));
+        }
+        const std::string an = utf8(attrName);
+        const std::string av = utf8(attrValue);
+        const bool test = !attrName.isEmpty();
+
+        // Depth-first in document order over the matching steps.
+        struct Frame {
+            pugi::xml_node node;
+            size_t depth;
+        };
+        std::vector<Frame> stack;
+        auto pushChildren = [&](pugi::xml_node parent, size_t depth) {
+            // Push in reverse so the first child is handled first.
+            const size_t mark = stack.size();
+            for (pugi::xml_node c = parent.first_child(); c; c = c.next_sibling())
+                if (c.type() == pugi::node_element && std::strcmp(c.name(), steps[depth].c_str()) == 0)
+                    stack.push_back({c, depth});
+            std::reverse(stack.begin() + std::ptrdiff_t(mark), stack.end());
+        };
+        pushChildren(doc, 0);
+        while (!stack.empty()) {
+            const Frame f = stack.back();
+            stack.pop_back();
+            if (f.depth + 1 == steps.size()) {
+                if (test) {
+                    const pugi::xml_attribute a = f.node.attribute(an.c_str());
+                    if (!a || av != a.value())
+                        continue;
+                }
+                found.push_back(f.node);
+                if (firstOnly)
+                    return found;
+            } else {
+                pushChildren(f.node, f.depth + 1);
+            }
+        }
+        return found;
+    }
+};
+
+MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(vb::FixedWidth(QString(), 8)) {}
+
+MappingDocument::~MappingDocument() = default;
+
+bool MappingDocument::LoadXml(const QString& text)
+{
+    d->doc.reset();
+    m_dumps.clear();
+    m_knownDumps.clear();
+    m_migrateTables = QStringList{QString()};
+
+    const QByteArray bytes = text.toUtf8();
+    const pugi::xml_parse_result result =
+        d->doc.load_buffer(bytes.constData(), size_t(bytes.size()), kParseFlags, pugi::encoding_utf8);
+    bool ok = bool(result);
+    if (ok) {
+        // Exactly one root element, and nothing but markup around it.
+        int elements = 0;
+        for (pugi::xml_node c = d->doc.first_child(); c; c = c.next_sibling()) {
+            if (c.type() == pugi::node_element)
+                ++elements;
+            else if (c.type() == pugi::node_pcdata || c.type() == pugi::node_cdata)
+                ok = false;
+        }
+        ok = ok && elements == 1;
+    }
+    if (!ok) {
+        d->doc.reset();
+        RecordError(kErrInvalidXml, QString::fromUtf16(kInvalidXmlText), 0, QString());
+    }
+    return ok;
+}
+
+QString MappingDocument::Serialize() const
+{
+    struct Writer : pugi::xml_writer {
+        std::string out;
+        void write(const void* data, size_t size) override { out.append(static_cast<const char*>(data), size); }
+    } writer;
+    d->doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    return QString::fromUtf8(writer.out.data(), qsizetype(writer.out.size()));
+}
+
+bool MappingDocument::IsEmpty() const
+{
+    return !d->doc.first_child();
+}
+
+void MappingDocument::SetTableName(const QString& name)
+{
+    m_tableName = vb::FixedWidth(name, 8);
+}
+
+QString MappingDocument::SectionPath(const QString& section) const
+{
+    return u'/' + m_tableName + u'/' + section;
+}
+
+void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallbackCode, const QString& fallbackText)
+{
+    if (m_error.code != 0)
+        return;
+    if (code != 0)
+        m_error = {code, text};
+    else
+        m_error = {fallbackCode, fallbackText};
+}
+
+// ---- node access layer ----------------------------------------------------
+
+Node MappingDocument::GetNode(const QString& path, const QString& attrName, const QString& attrValue)
+{
+    if (!attrName.isEmpty()) {
+        // The value goes into the expression unquoted: an apostrophe breaks it.
+        // Such a lookup is refused as a malformed expression even where the
+        // broken expression would happen to parse.
+        const QString expr = path + QStringLiteral("[@") + attrName + QStringLiteral("='") + attrValue +
+                             QStringLiteral("']");
+        QString failure;
+        if (attrValue.contains(u'\'')) {
+            failure = QStringLiteral("Unexpected apostrophe in expression: ") + expr;
+        } else {
+            try {
+                pugi::xpath_query check(utf8(expr).c_str());
+            } catch (const pugi::xpath_exception& e) {
+                failure = QString::fromUtf8(e.what());
+            }
+        }
+        if (!failure.isNull()) {
+            RecordError(0, failure, kErrGetNode, QString::fromUtf16(kGetNodeText));
+            return Node();
+        }
+    } else {
+        try {
+            pugi::xpath_query check(utf8(path).c_str());
+        } catch (const pugi::xpath_exception& e) {
+            RecordError(0, QString::fromUtf8(e.what()), kErrGetNode, QString::fromUtf16(kGetNodeText));
+            return Node();
+        }
+    }
+    const auto found = d->select(path, attrName, attrValue, true);
+    return found.empty() ? Node() : Node(found.front().internal_object());
+}
+
+QString MappingDocument::GetNodeText(const QString& path, const QString& attrName, const QString& attrValue)
+{
+    return GetNode(path, attrName, attrValue).text();
+}
+
+bool MappingDocument::SetNodeText(const QString& path, const QString& text, const QString& attrName,
+                                  const QString& attrValue)
+{
+    const Node n = GetNode(path, attrName, attrValue);
+    return n && SetText(n, text);
+}
+
+QString MappingDocument::GetNodeAttribute(const Node& node, const QString& name)
+{
+    return node.attribute(name);
+}
+
+bool MappingDocument::SetNodeAttribute(const Node& node, const QString& name, const QString& value)
+{
+    if (!node)
+        return false;
+    pugi::xml_node n = toPugi(node.m_node);
+    if (n.type() != pugi::node_element)
+        return false;
+    if (!IsXmlName(name)) {
+        RecordError(0, QString(), kErrInvalidName, QStringLiteral("Invalid attribute name: ") + name);
+        return false;
+    }
+    const std::string an = utf8(name);
+    pugi::xml_attribute a = n.attribute(an.c_str());
+    if (!a)
+        a = n.append_attribute(an.c_str());
+    a.set_value(utf8(parsedLineEnds(value)).c_str());
+    return true;
+}
+
+Node MappingDocument::AppendChildElement(const Node& parent, const QString& name, const QString& attrName,
+                                         const QString& attrValue)
+{
+    if (!parent)
+        return Node();
+    pugi::xml_node p = toPugi(parent.m_node);
+    if (!canHoldElements(p)) {
+        RecordError(0, QString(), kErrNoObject, QString::fromUtf16(kNoObjectText));
+        return Node();
+    }
+    if (!IsXmlName(name)) {
+        RecordError(0, QString(), kErrInvalidName, QStringLiteral("Invalid element name: ") + name);
+        return Node();
+    }
+    pugi::xml_node child = p.append_child(utf8(name).c_str());
+    if (!child)
+        return Node();
+    const Node result(child.internal_object());
+    if (!attrName.isEmpty())
+        SetNodeAttribute(result, attrName, attrValue);
+    return result;
+}
+
+QString MappingDocument::UnescapeXmlText(const QString& text)
+{
+    QString s = text;
+    s.replace(QStringLiteral("&lt;"), QStringLiteral("<"), Qt::CaseInsensitive);
+    s.replace(QStringLiteral("&gt;"), QStringLiteral(">"), Qt::CaseInsensitive);
+    s.replace(QStringLiteral("&amp;"), QStringLiteral("&"), Qt::CaseInsensitive);
+    s.replace(QStringLiteral("&quot;"), QStringLiteral("\""), Qt::CaseInsensitive);
+    s.replace(u'\n', QStringLiteral("\r\n"));
+    return s;
+}
+
+bool MappingDocument::SetText(const Node& node, const QString& text)
+{
+    if (!node)
+        return false;
+    pugi::xml_node n = toPugi(node.m_node);
+    const QString value = parsedLineEnds(text);
+    if (n.type() != pugi::node_element)
+        return n.set_value(utf8(value).c_str());
+    while (n.first_child())
+        n.remove_child(n.first_child());
+    if (!value.isEmpty())
+        n.append_child(pugi::node_pcdata).set_value(utf8(value).c_str());
+    return true;
+}
+
+bool MappingDocument::RemoveChild(const Node& parent, const Node& child)
+{
+    if (!parent || !child || child.parent() != parent)
+        return false;
+    return toPugi(parent.m_node).remove_child(toPugi(child.m_node));
+}
+
+void MappingDocument::RemoveChildNodes(const Node& node)
+{
+    pugi::xml_node n = toPugi(node.m_node);
+    if (!n)
+        return;
+    while (n.first_child())
+        n.remove_child(n.first_child());
+}
+
+Node MappingDocument::AppendCopy(const Node& parent, const Node& source)
+{
+    if (!parent || !source)
+        return Node();
+    pugi::xml_node p = toPugi(parent.m_node);
+    if (!canHoldElements(p))
+        return Node();
+    return Node(p.append_copy(toPugi(source.m_node)).internal_object());
+}
+
+Node MappingDocument::DocumentElement() const
+{
+    return Node(d->doc.document_element().internal_object());
+}
+
+Node MappingDocument::FirstChild() const
+{
+    return Node(d->doc.first_child().internal_object());
+}
+
+// ---- section accessors ----------------------------------------------------
+
+Node MappingDocument::appendToFirstChild(const QString& name, const QString& attrName, const QString& attrValue)
+{
+    const Node first = FirstChild();
+    if (!first) {
+        RecordError(0, QString(), kErrNoObject, QString::fromUtf16(kNoObjectText));
+        return Node();
+    }
+    return AppendChildElement(first, name, attrName, attrValue);
+}
+
+bool MappingDocument::setSectionText(const QString& section, const QString& text)
+{
+    Node n = GetNode(SectionPath(section));
+    if (!n)
+        n = appendToFirstChild(section);
+    return SetText(n, text);
+}
+
+QString MappingDocument::GetPreconditionText()
+{
+    return GetNodeText(SectionPath(QStringLiteral("PREC")));
+}
+
+Node MappingDocument::GetPreconditionNode()
+{
+    return GetNode(SectionPath(QStringLiteral("PREC")));
+}
+
+bool MappingDocument::SetPreconditionText(const QString& text)
+{
+    return SetNodeText(SectionPath(QStringLiteral("PREC")), text);
+}
+
+QString MappingDocument::GetSourceTablesText()
+{
+    return GetNodeText(SectionPath(QStringLiteral("SRCTBL")));
+}
+
+Node MappingDocument::GetSourceTablesNode()
+{
+    return GetNode(SectionPath(QStringLiteral("SRCTBL")));
+}
+
+bool MappingDocument::SetSourceTablesText(const QString& text)
+{
+    Node n = GetSourceTablesNode();
+    if (!n)
+        n = AppendChildElement(DocumentElement(), QStringLiteral("SRCTBL"));
+    return SetText(n, text);
+}
+
+QString MappingDocument::GetFunctionsText()
+{
+    return GetNodeText(SectionPath(QStringLiteral("FUNCTIONS")));
+}
+
+bool MappingDocument::SetFunctionsText(const QString& text)
+{
+    return setSectionText(QStringLiteral("FUNCTIONS"), text);
+}
+
+QString MappingDocument::GetVariablesText()
+{
+    return GetNodeText(SectionPath(QStringLiteral("VAR")));
+}
+
+bool MappingDocument::SetVariablesText(const QString& text)
+{
+    return setSectionText(QStringLiteral("VAR"), text);
+}
+
+QString MappingDocument::GetQueryText(const QString& source)
+{
+    return GetQueryNode(source).text();
+}
+
+Node MappingDocument::GetQueryNode(const QString& source)
+{
+    return GetNode(SectionPath(QStringLiteral("QUERY")), QStringLiteral("ST"), source);
+}
+
+bool MappingDocument::SaveQueryText(const QString& source, const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    Node n = GetQueryNode(source);
+    if (!n) {
+        const Node first = FirstChild();
+        if (first)
+            n = AppendChildElement(first, QStringLiteral("QUERY"), QStringLiteral("ST"), source);
+        if (!n) {
+            RecordError(kErrNoObject, QString::fromUtf16(kNoObjectText) + QStringLiteral(" in Saving Query"), 0,
+                        QString());
+            return false;
+        }
+    }
+    return SetText(n, text);
+}
+
+QList<Node> MappingDocument::QueryNodes()
+{
+    QList<Node> out;
+    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
+        out.append(Node(n.internal_object()));
+    return out;
+}
+
+Node MappingDocument::GetMscriptNode()
+{
+    return GetNode(SectionPath(QStringLiteral("MSCRIPT")));
+}
+
+bool MappingDocument::HasMscript()
+{
+    return bool(GetMscriptNode());
+}
+
+QStringList MappingDocument::MscriptTables()
+{
+    QStringList out;
+    for (const Node& c : GetMscriptNode().childElements())
+        out.append(c.name());
+    return out;
+}
+
+Node MappingDocument::GetSourceTableNode(const QString& table)
+{
+    return GetNode(SectionPath(QStringLiteral("SRCTAB/")) + table.toUpper());
+}
+
+Node MappingDocument::GetTargetTableDefinition(const QString& table)
+{
+    return GetNode(SectionPath(QStringLiteral("TARTAB/")) + table.toUpper());
+}
+
+// ---- dumps ----------------------------------------------------------------
+
+Node MappingDocument::GetDumpNode(qint16 number)
+{
+    return GetNode(SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"), QString::number(number));
+}
+
+Node MappingDocument::CreateDumpNode(qint16 number)
+{
+    return appendToFirstChild(QStringLiteral("DUMP"), QStringLiteral("No"), QString::number(number));
+}
+
+Node MappingDocument::CreateDumpNode(qint16 number, const QString& text)
+{
+    const Node n = CreateDumpNode(number);
+    SetNodeAttribute(n, QStringLiteral("TXT"), text);
+    return n;
+}
+
+QString MappingDocument::GetDumpChildText(qint16 number, const QString& name)
+{
+    const Node dump = GetDumpNode(number);
+    if (dump)
+        return dump.childElement(name.toUpper()).text();
+    if (number > 0)
+        CreateDumpNode(number);
+    return QString();
+}
+
+QList<Node> MappingDocument::DumpNodes()
+{
+    QList<Node> out;
+    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("DUMP")), QString(), QString(), false))
+        out.append(Node(n.internal_object()));
+    return out;
+}
+
+bool MappingDocument::AddDumpReference(qint16 number, const QString& text)
+{
+    const qsizetype at = m_dumps.numbers.indexOf(number);
+    if (at >= 0) {
+        if (m_dumps.texts[at] != text)
+            m_dumps.texts[at] = text; // the last text seen wins
+        return true;
+    }
+    if (m_dumps.isEmpty()) {
+        m_dumps.numbers[0] = number;
+        m_dumps.texts[0] = text;
+    } else {
+        m_dumps.numbers.append(number);
+        m_dumps.texts.append(text);
+    }
+    if (!GetDumpNode(number))
+        CreateDumpNode(number, text); // TXT keeps the text seen first
+    return true;
+}
+
+// ---- target tables --------------------------------------------------------
+
+Node MappingDocument::GetTargetTableNode(qint16 dumpNumber, const QString& selectorTag)
+{
+    QString table;
+    if (!HasMscript()) {
+        table = m_tableName;
+    } else {
+        qint16 n = dumpNumber;
+        if (n == 0)
+            n = selectorTag.isEmpty() ? m_dumps.numbers.first() : vb::ToInteger(selectorTag).value_or(0);
+        table = n != 0 ? GetDumpNode(n).attribute(QStringLiteral("TT")) : m_tableName;
+    }
+    if (table.isEmpty())
+        return Node();
+    return GetTargetTableDefinition(table);
+}
+
+qint16 MappingDocument::GetDependencyLevel(const Node& field)
+{
+    if (!field)
+        return 1;
+    const QString dep = field.attribute(QStringLiteral("DEP"));
+    if (!vb::IsNumeric(dep) || dep == u"0")
+        return 1;
+    return vb::ToInteger(dep).value_or(1);
+}
+
+// ---- documentation text numbers ------------------------------------------
+
+void MappingDocument::SetTextNumber(const QString& type, qint32 number, const QString& key1, const QString& key2)
+{
+    if (type == u"P")
+        SetPreconditionTextNumber(number);
+    if (type == u"M")
+        SetQueryTextNumber(number, key1);
+    if (type == u"D" && vb::IsNumeric(key1)) {
+        if (const auto dump = vb::ToInteger(key1))
+            SetRuleTextNumber(number, *dump, key2);
+    }
+}
+
+void MappingDocument::SetPreconditionTextNumber(qint32 number)
+{
+    SetNodeAttribute(GetPreconditionNode(), QStringLiteral("TEXT"), QString::number(number));
+}
+
+void MappingDocument::SetQueryTextNumber(qint32 number, const QString& key)
+{
+    // The key names the attribute and the value tested is "": a QUERY is
+    // found only if it carries an empty attribute of that name.
+    if (vb::Trim(key).isEmpty())
+        return;
+    const Node q = GetNode(SectionPath(QStringLiteral("QUERY")), key, QString());
+    if (q)
+        SetNodeAttribute(q, QStringLiteral("TEXT"), QString::number(number));
+}
+
+void MappingDocument::SetRuleTextNumber(qint32 number, qint16 dump, const QString& field)
+{
+    const Node dumpNode = GetDumpNode(dump);
+    if (!dumpNode)
+        return;
+    const QString name = ToStoredFieldName(field).toUpper();
+    Node rule = dumpNode.childElement(name);
+    if (!rule)
+        rule = AppendChildElement(dumpNode, name);
+    SetNodeAttribute(rule, QStringLiteral("TEXT"), QString::number(number));
+}
+
+// ---- tidying --------------------------------------------------------------
+
+void MappingDocument::RemoveQueriesNotIn(const QStringList& sources)
+{
+    for (const Node& q : QueryNodes()) {
+        if (!sources.contains(q.attribute(QStringLiteral("ST"))))
+            RemoveChild(q.parent(), q);
+    }
+}
+
+void MappingDocument::RemoveDumpsNotIn(const DumpReferences& dumps)
+{
+    for (const Node& dump : DumpNodes()) {
+        const auto no = vb::ToInteger(dump.attribute(QStringLiteral("No")));
+        if (!no || !dumps.contains(*no))
+            RemoveChild(dump.parent(), dump);
+    }
+}
+
+// ---------------------------------------------------------------------------
+
+bool IsXmlName(const QString& name)
+{
+    if (name.isEmpty())
+        return false;
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        const QChar c = name[i];
+        if (c.isSurrogate())
+            continue; // characters outside the basic plane are name characters
+        const bool start = c.isLetter() || c == u'_' || c == u':';
+        if (i == 0) {
+            if (!start)
+                return false;
+            continue;
+        }
+        if (!(start || c.isDigit() || c == u'-' || c == u'.' || c.isMark() || c == QChar(0xB7)))
+            return false;
+    }
+    return true;
+}
+
+} // namespace fb

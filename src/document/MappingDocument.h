@@ -1,0 +1,168 @@
+#pragma once
+
+#include "Node.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace fb {
+
+// The first failure recorded since the document object was created. Nothing
+// in the control reads it; it is kept for diagnostics.
+struct ErrorRecord {
+    qint16 code = 0;
+    QString text;
+};
+
+// Dumps referenced from the scripts: two parallel lists, numbers and the text
+// the scan paired with each. An empty list is a single slot holding 0.
+struct DumpReferences {
+    QList<qint16> numbers{0};
+    QStringList texts{QString()};
+
+    bool isEmpty() const { return numbers.size() == 1 && numbers.first() == 0; }
+    void clear()
+    {
+        numbers = {0};
+        texts = {QString()};
+    }
+    bool contains(qint16 n) const { return numbers.contains(n); }
+};
+
+// The mapping object: one XML document owned for the control's whole life,
+// the node access layer through which everything reaches it, and one
+// accessor per section so that no other code builds a path.
+//
+// Paths are absolute: "/" + the 8-character document table name + "/" +
+// section. The table name keeps its blanks, so a document whose root name is
+// shorter than 8 characters has no reachable section.
+class MappingDocument {
+public:
+    MappingDocument();
+    ~MappingDocument();
+    MappingDocument(const MappingDocument&) = delete;
+    MappingDocument& operator=(const MappingDocument&) = delete;
+
+    // ---- loading and saving ------------------------------------------------
+    // Replaces the whole content. Text that is not well-formed (or has not
+    // exactly one root element) records error 1 and leaves the document
+    // empty; the call itself never fails.
+    bool LoadXml(const QString& text);
+    // Compact serialisation: no indentation added, no declaration added.
+    QString Serialize() const;
+    bool IsEmpty() const;
+
+    // ---- document table name ----------------------------------------------
+    void SetTableName(const QString& name); // cut or blank-padded to 8
+    const QString& TableName() const { return m_tableName; }
+    QString SectionPath(const QString& section) const; // "/" + name + "/" + section
+
+    // ---- error record -------------------------------------------------------
+    void RecordError(qint16 code, const QString& text, qint16 fallbackCode, const QString& fallbackText);
+    const ErrorRecord& LastError() const { return m_error; }
+
+    // ---- node access layer --------------------------------------------------
+    Node GetNode(const QString& path, const QString& attrName = QString(), const QString& attrValue = QString());
+    QString GetNodeText(const QString& path, const QString& attrName = QString(),
+                        const QString& attrValue = QString());
+    bool SetNodeText(const QString& path, const QString& text, const QString& attrName = QString(),
+                     const QString& attrValue = QString());
+    static QString GetNodeAttribute(const Node& node, const QString& name);
+    bool SetNodeAttribute(const Node& node, const QString& name, const QString& value);
+    Node AppendChildElement(const Node& parent, const QString& name, const QString& attrName = QString(),
+                            const QString& attrValue = QString());
+    static QString UnescapeXmlText(const QString& text);
+
+    // Changes of nodes found through the layer above.
+    bool SetText(const Node& node, const QString& text);
+    bool RemoveChild(const Node& parent, const Node& child);
+    void RemoveChildNodes(const Node& node);
+    // Appends a deep copy of source (with all descendants and attributes).
+    Node AppendCopy(const Node& parent, const Node& source);
+
+    Node DocumentElement() const; // the root element, or no node
+    Node FirstChild() const;      // the document's first child node, whatever its kind
+
+    // ---- section accessors --------------------------------------------------
+    QString GetPreconditionText();
+    bool SetPreconditionText(const QString& text); // false when PREC is missing: never created
+    Node GetPreconditionNode();
+    QString GetSourceTablesText();
+    Node GetSourceTablesNode();
+    // Sets the SRCTBL text, appending the element to the document element first
+    // when it is missing.
+    bool SetSourceTablesText(const QString& text);
+    QString GetFunctionsText();
+    bool SetFunctionsText(const QString& text);
+    QString GetVariablesText();
+    bool SetVariablesText(const QString& text);
+    QString GetQueryText(const QString& source);
+    Node GetQueryNode(const QString& source);
+    bool SaveQueryText(const QString& source, const QString& text);
+    QList<Node> QueryNodes();
+    Node GetMscriptNode();
+    bool HasMscript();
+    // Element names of MSCRIPT's children, in document order.
+    QStringList MscriptTables();
+    // SRCTAB/TARTAB definition of a table (name upper-cased), or no node.
+    Node GetSourceTableNode(const QString& table);
+    Node GetTargetTableDefinition(const QString& table);
+
+    // ---- dumps --------------------------------------------------------------
+    Node GetDumpNode(qint16 number);
+    Node CreateDumpNode(qint16 number);
+    Node CreateDumpNode(qint16 number, const QString& text);
+    QString GetDumpChildText(qint16 number, const QString& name);
+    QList<Node> DumpNodes();
+    // The referenced-dump list and the dictionary of known dumps (number to
+    // text), kept between calls and filled by the script scan.
+    DumpReferences& ReferencedDumps() { return m_dumps; }
+    const DumpReferences& ReferencedDumps() const { return m_dumps; }
+    QHash<qint16, QString>& KnownDumps() { return m_knownDumps; }
+    bool AddDumpReference(qint16 number, const QString& text);
+
+    // The migrate tables: the names that follow "migrate" in the precondition,
+    // in order; always at least one slot, a single empty slot meaning none.
+    QStringList& MigrateTables() { return m_migrateTables; }
+    const QStringList& MigrateTables() const { return m_migrateTables; }
+    bool HasMigrateTables() const { return !(m_migrateTables.size() == 1 && m_migrateTables.first().isEmpty()); }
+
+    // ---- target tables ------------------------------------------------------
+    // The TARTAB child holding the fields being mapped. dumpNumber 0 = none
+    // given; then the dump selector's tag (as text) decides, or, when it is
+    // "", the first referenced dump.
+    Node GetTargetTableNode(qint16 dumpNumber = 0, const QString& selectorTag = QString());
+    static qint16 GetDependencyLevel(const Node& field);
+
+    // ---- documentation text numbers -------------------------------------
+    void SetTextNumber(const QString& type, qint32 number, const QString& key1, const QString& key2);
+    void SetPreconditionTextNumber(qint32 number);
+    void SetQueryTextNumber(qint32 number, const QString& key);
+    void SetRuleTextNumber(qint32 number, qint16 dump, const QString& field);
+
+    // ---- tidying ------------------------------------------------------------
+    void RemoveQueriesNotIn(const QStringList& sources);
+    void RemoveDumpsNotIn(const DumpReferences& dumps);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> d;
+    QString m_tableName;
+    ErrorRecord m_error;
+    DumpReferences m_dumps;
+    QHash<qint16, QString> m_knownDumps;
+    QStringList m_migrateTables{QString()};
+
+    Node appendToFirstChild(const QString& name, const QString& attrName = QString(),
+                            const QString& attrValue = QString());
+    bool setSectionText(const QString& section, const QString& text);
+};
+
+// True when the text is a well-formed XML element name.
+bool IsXmlName(const QString& name);
+
+} // namespace fb

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace pugi {
+struct xml_node_struct;
+}
+
+namespace fb {
+
+class MappingDocument;
+
+// A handle on one node of the mapping object. Like the DOM's own handles it is
+// cheap to copy and a null handle answers every question with "" or no node,
+// so callers can chain lookups without testing each step. Handles stay valid
+// until the node is removed or the document is loaded anew. Changing a node is
+// the business of MappingDocument, the one owner of the DOM.
+class Node {
+public:
+    Node() = default;
+
+    bool isNull() const { return m_node == nullptr; }
+    explicit operator bool() const { return m_node != nullptr; }
+
+    bool isElement() const;
+    QString name() const;
+    // All text below the node (text and CDATA of every descendant, in document
+    // order), as the parser delivered it.
+    QString text() const;
+    // The attribute's value, or "" when the node has no such attribute.
+    QString attribute(const QString& name) const;
+    bool hasAttribute(const QString& name) const;
+
+    Node parent() const;
+    bool hasChildNodes() const;
+    Node firstChildElement() const;
+    Node nextSiblingElement() const;
+    // The first child element with exactly this name (case-sensitive).
+    Node childElement(const QString& name) const;
+    QList<Node> childElements() const;
+
+    friend bool operator==(const Node& a, const Node& b) { return a.m_node == b.m_node; }
+
+private:
+    friend class MappingDocument;
+    explicit Node(pugi::xml_node_struct* node) : m_node(node) {}
+    pugi::xml_node_struct* m_node = nullptr;
+};
+
+} // namespace fb
