@@ -1,0 +1,51 @@
+#pragma once
+
+#include "dictionary/core/FieldRules.h"
+
+#include <QAbstractTableModel>
+#include <QList>
+
+namespace fb {
+
+// The rows of a field list: the nine cells of each field, behind one empty
+// leading column in the target list. The source list carries a check box in
+// its first column. Sorting compares cell texts, so numbers sort as text.
+class FieldListModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    enum class Kind { Source, Target };
+    explicit FieldListModel(Kind kind, QObject* parent = nullptr);
+
+    Kind kind() const { return m_kind; }
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    void sort(int column, Qt::SortOrder order) override;
+
+    void clear();
+    // Appends one row per field element of the table element.
+    void appendTable(const Node& table);
+    void appendRows(const QList<FieldRow>& rows);
+
+    // The text of a cell by the list's own column numbers.
+    QString cellText(int row, int column) const;
+    bool isChecked(int row) const;
+    void setChecked(int row, bool checked);
+    void clearChecks();
+
+    // Column widths in twips, by column.
+    static QList<int> ColumnWidths(Kind kind);
+
+private:
+    int offset() const { return m_kind == Kind::Target ? 1 : 0; }
+    QString cell(const FieldRow& row, int field) const;
+
+    Kind m_kind;
+    QList<FieldRow> m_rows;
+    QList<bool> m_checked;
+};
+
+} // namespace fb

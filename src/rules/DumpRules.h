@@ -1,0 +1,62 @@
+#pragma once
+
+#include "document/Node.h"
+
+#include <QString>
+
+namespace fb {
+
+struct ControlState;
+
+// The behaviour of the "Define Dumps" tab: the dump selector, the target
+// table of a dump, the field lists and the rules grid.
+class DumpRules {
+public:
+    explicit DumpRules(ControlState& s);
+    void Connect();
+
+    // ---- field lists ----
+    void FillSourceFields();
+    void ShowTargetFields();
+    int GetListItemNumber(const QString& fieldName) const;
+
+    // ---- dumps ----
+    void ClearDumps(); // a new document: no dump selected, empty grid
+    void FillDumpSelector();
+    void FillTargetTableSelector();
+    void StoreDumpRules(const QString& dumpNumber);
+    void LoadDumpRules(qint16 dump);
+    void ShowDump(qint16 dump);
+    QString GetDumpTargetTable(qint16 dump);
+    QString GetSelectedTargetTable() const;
+    void SelectDumpTargetTable(qint16 dump);
+    void RefreshTargetFields();
+    void BindDumpToTable(const Node& dump, const QString& table);
+    // Entering the tab: every dump without a target table gets one.
+    void BindUnboundDumps();
+    // The number of the shown dump from the Details caption; 0 for none.
+    qint16 DetailsDumpNumber() const;
+    qint16 SelectedDumpNumber() const;
+    QString SelectorTag() const { return m_tag; }
+
+    // ---- rules grid ----
+    void LayoutGrid(const Node& table);
+    int GetRowNumber(const QString& fieldName) const;
+    void SetRuleInGrid(const QString& fieldName, const QString& rule);
+    void SelectGridRowOfField(const QString& fieldName);
+    QString FieldMapping() const;
+    void SetFieldMapping(const QString& rule);
+
+    // Leaving the dump selector: shows the chosen dump.
+    void DumpSelectorLostFocus();
+
+private:
+    void onDumpChosen(int index);
+    void onShow();
+    void onTargetFieldClicked(int row);
+
+    ControlState& s;
+    QString m_tag; // the number of the dump whose rules the grid holds; "" for none
+};
+
+} // namespace fb

@@ -1,0 +1,69 @@
+#include "RulesGridModel.h"
+
+#include "control/BoxText.h"
+
+namespace fb {
+
+int RulesGridModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : int(m_names.size());
+}
+
+int RulesGridModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : 2;
+}
+
+QVariant RulesGridModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_names.size())
+        return QVariant();
+    if (role == Qt::DisplayRole || role == Qt::EditRole)
+        return text(index.row(), index.column());
+    if (role == Qt::ToolTipRole && index.column() == 1)
+        return ToEditorText(m_rules[index.row()]);
+    return QVariant();
+}
+
+QVariant RulesGridModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return QVariant();
+    if (orientation == Qt::Vertical)
+        return section + 1;
+    return section == 0 ? QStringLiteral("Target Field") : QStringLiteral("Rule");
+}
+
+void RulesGridModel::setRows(const QStringList& fieldNames)
+{
+    beginResetModel();
+    m_names = fieldNames;
+    m_rules = QList<QString>(fieldNames.size(), QStringLiteral(" "));
+    endResetModel();
+}
+
+QString RulesGridModel::text(int row, int column) const
+{
+    if (row < 0 || row >= m_names.size())
+        return QString();
+    return column == 0 ? m_names[row] : column == 1 ? m_rules[row] : QString();
+}
+
+void RulesGridModel::setText(int row, int column, const QString& text)
+{
+    if (row < 0 || row >= m_names.size() || column < 0 || column > 1)
+        return;
+    (column == 0 ? m_names : m_rules)[row] = text;
+    Q_EMIT dataChanged(index(row, column), index(row, column));
+}
+
+void RulesGridModel::clearRules()
+{
+    if (m_rules.isEmpty())
+        return;
+    for (QString& r : m_rules)
+        r.clear();
+    Q_EMIT dataChanged(index(0, 1), index(int(m_rules.size()) - 1, 1));
+}
+
+} // namespace fb

@@ -1,0 +1,368 @@
+#include "QueryScripts.h"
+
+#include "MappingObjectPage.h"
+#include "ScriptEditor.h"
+#include "control/BoxText.h"
+#include "control/ControlState.h"
+#include "document/VbText.h"
+#include "forms/FrmTxtDoc.h"
+#include "rules/DefineDumpsPage.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QStandardItemModel>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace fb {
+
+QueryScripts::QueryScripts(ControlState& state) : s(state) {}
+
+void QueryScripts::Connect()
+{
+    MappingObjectPage* mo = s.mo;
+    QObject::connect(mo->CmdSelectSource, &QPushButton::clicked, mo,
+                     [this] { Q_EMIT s.control->ShowSourceTablesPopUp(s.doc.GetSourceTablesText()); });
+    QObject::connect(mo->lstMigrateSource, &QTreeView::clicked, mo,
+                     [this](const QModelIndex& i) { MigrateSourceClicked(i); });
+    QObject::connect(mo->txtMainQuery, &ScriptEditor::textChanged, mo, [this] { ApplyMainQueryLock(); });
+    QObject::connect(mo->txtPreCondition, &ScriptEditor::textChanged, mo, [this] {
+        if (!s.edit)
+            s.mo->CmdPreDoc->setEnabled(HasPreconditionText());
+    });
+    QObject::connect(mo->CmdBuildPre, &QPushButton::clicked, mo, [this] { onBuildPre(); });
+    QObject::connect(mo->cmdBuildMQ, &QPushButton::clicked, mo, [this] { onBuildMQ(); });
+    QObject::connect(mo->CmdPreDoc, &QPushButton::clicked, mo, [this] { onPreDoc(); });
+    QObject::connect(mo->CmdMQDoc, &QPushButton::clicked, mo, [this] { onMQDoc(); });
+    QObject::connect(mo->CmdFunction, &QPushButton::clicked, mo, [this] { onFunction(); });
+    QObject::connect(mo->CmdVariables, &QPushButton::clicked, mo, [this] { onVariables(); });
+    QObject::connect(mo->CmdOk, &QPushButton::clicked, mo, [this] { onOk(); });
+    QObject::connect(mo->CmdCancel, &QPushButton::clicked, mo, [this] { onCancel(); });
+    QObject::connect(mo->PicMQResize, &QAbstractButton::clicked, mo, [this] { ToggleMainQuerySize(); });
+    QObject::connect(mo->PicPreResize, &QAbstractButton::clicked, mo, [this] { ToggleMainQuerySize(); });
+    QObject::connect(mo->txtPreCondition, &ScriptEditor::tabWithModifiers, mo, [this](Qt::KeyboardModifiers m) {
+        if (m == Qt::ControlModifier)
+            s.mo->CmdSelectSource->setFocus(Qt::TabFocusReason);
+        else if (m == Qt::ShiftModifier)
+            s.mo->lstSourceTables->setFocus(Qt::BacktabFocusReason);
+    });
+    QObject::connect(mo->txtMainQuery, &ScriptEditor::tabWithModifiers, mo, [this](Qt::KeyboardModifiers m) {
+        if (m == Qt::ControlModifier)
+            s.mo->cmdBuildMQ->setFocus(Qt::TabFocusReason);
+        else if (m == Qt::ShiftModifier)
+            s.mo->lstMigrateSource->setFocus(Qt::BacktabFocusReason);
+    });
+}
+
+// ---- source tables --------------------------------------------------------
+
+void QueryScripts::ClearSourceTableList()
+{
+    s.mo->sourceTablesModel->removeRows(0, s.mo->sourceTablesModel->rowCount());
+}
+
+void QueryScripts::RefreshSourceTableList()
+{
+    QStandardItemModel* model = s.mo->sourceTablesModel;
+    QStringList pieces = s.doc.GetSourceTablesText().split(u',');
+    for (QString& p : pieces) {
+        p.remove(u'\n');
+        p.remove(u'\r');
+    }
+    if (model->rowCount() == 0) {
+        // Every piece gets a row, empty ones too.
+        for (const QString& p : pieces)
+            model->appendRow(new QStandardItem(p));
+    } else {
+        QSet<QString> present;
+        for (int r = 0; r < model->rowCount(); ++r)
+            present.insert(model->item(r)->text());
+        for (const QString& p : pieces) {
+            if (!present.contains(p) && !vb::Trim(p).isEmpty()) {
+                model->appendRow(new QStandardItem(p));
+                present.insert(p);
+            }
+        }
+    }
+    if (!s.doc.GetSourceTablesNode())
+        s.doc.SetSourceTablesText(s.doc.GetSourceTablesText());
+    if (model->rowCount() > 0) {
+        QStringList rows;
+        for (int r = 0; r < model->rowCount(); ++r)
+            rows.append(model->item(r)->text());
+        s.doc.SetSourceTablesText(rows.join(u','));
+    }
+    if (s.dd)
+        s.dd->lstSourceFields->setSortingEnabled(false);
+}
+
+void QueryScripts::DeleteSelectedSourceTable()
+{
+    const QModelIndex current = s.mo->lstSourceTables->currentIndex();
+    if (!current.isValid() || !s.mo->lstSourceTables->selectionModel()->isSelected(current))
+        return;
+    QStandardItemModel* model = s.mo->sourceTablesModel;
+    model->removeRow(current.row());
+    QStringList rows;
+    for (int r = 0; r < model->rowCount(); ++r)
+        rows.append(model->item(r)->text());
+    s.control->setSourceTables(rows.join(u','));
+    RefreshSourceTableList();
+}
+
+void QueryScripts::ReconcileSourceTables()
+{
+    s.doc.MigrateTables() = QStringList{QString()};
+    s.scanner.ParseMigrateTables(s.doc.GetPreconditionText());
+    bool verdict = true;
+    const QStringList sources = s.doc.GetSourceTablesText().split(u',');
+    const QStringList migrate = s.doc.MigrateTables();
+    if (vb::Trim(migrate.first()).isEmpty()) {
+        ShowMigrateQuery(QString());
+        FillMigrateSourceList();
+        return;
+    }
+    bool allListed = true;
+    for (const QString& name : migrate) {
+        if (!sources.contains(name)) {
+            const QString text = s.doc.GetSourceTablesText();
+            s.control->setSourceTables(text.isEmpty() ? name : text + u',' + name);
+            verdict = false;
+            allListed = false;
+            break; // one missing table per run
+        }
+    }
+    if (allListed) {
+        for (const QString& name : migrate) {
+            if (!s.doc.GetSourceTableNode(name)) {
+                verdict = false;
+                break;
+            }
+        }
+    }
+    s.MainTab->setTabEnabled(1, verdict);
+    if (!s.doc.MigrateTables().contains(s.mainQueryTable))
+        ShowMigrateQuery(s.doc.MigrateTables().first());
+    FillMigrateSourceList();
+}
+
+// ---- migrate sources and main query ---------------------------------------
+
+void QueryScripts::FillMigrateSourceList()
+{
+    QStandardItemModel* model = s.mo->migrateSourceModel;
+    model->removeRows(0, model->rowCount());
+    if (!s.doc.HasMigrateTables())
+        return;
+    for (const QString& table : s.doc.MigrateTables()) {
+        model->appendRow(new QStandardItem(QStringLiteral("migrate ") + table));
+        model->appendRow(new QStandardItem(QString()));
+    }
+    ApplyMainQueryLock();
+}
+
+void QueryScripts::ShowMigrateQuery(const QString& table)
+{
+    if (!table.isEmpty()) {
+        SetBoxText(s.mo->txtMainQuery, MappingDocument::UnescapeXmlText(s.doc.GetQueryText(table)));
+        s.mainQueryTable = table;
+    } else {
+        SetBoxText(s.mo->txtMainQuery, QString());
+        s.mainQueryTable.clear();
+    }
+    if (!s.edit)
+        s.mo->CmdMQDoc->setEnabled(HasQueryText());
+    ApplyMainQueryLock();
+}
+
+void QueryScripts::StoreMainQuery()
+{
+    s.doc.SaveQueryText(s.mainQueryTable, BoxText(s.mo->txtMainQuery));
+    s.scanner.CollectDumpReferences();
+}
+
+bool QueryScripts::HasQueryText()
+{
+    return !s.doc.GetQueryNode(s.mainQueryTable).attribute(QStringLiteral("TEXT")).isEmpty();
+}
+
+void QueryScripts::MigrateSourceClicked(const QModelIndex& index)
+{
+    const QString row = index.data().toString();
+    if (row.isEmpty())
+        return;
+    if (!s.mainQueryTable.isEmpty())
+        s.doc.SaveQueryText(s.mainQueryTable, BoxText(s.mo->txtMainQuery));
+    const int at = vb::InStrText(row, QStringLiteral("migrate "));
+    const QString table = vb::Trim(vb::Mid(row, at + 8));
+    SetBoxText(s.mo->txtMainQuery, MappingDocument::UnescapeXmlText(s.doc.GetQueryText(table)));
+    s.mainQueryTable = table;
+}
+
+void QueryScripts::ApplyMainQueryLock()
+{
+    if (!s.edit)
+        s.mo->CmdMQDoc->setEnabled(HasQueryText());
+    s.mo->txtMainQuery->setReadOnly(s.mo->migrateSourceModel->rowCount() == 0 || !s.edit);
+}
+
+// ---- precondition ---------------------------------------------------------
+
+void QueryScripts::ShowPrecondition()
+{
+    SetBoxText(s.mo->txtPreCondition, MappingDocument::UnescapeXmlText(s.doc.GetPreconditionText()));
+    if (!s.edit)
+        s.mo->CmdPreDoc->setEnabled(HasPreconditionText());
+}
+
+void QueryScripts::StorePrecondition()
+{
+    if (!s.doc.GetPreconditionNode())
+        return; // the element is never created here
+    s.doc.SetPreconditionText(BoxText(s.mo->txtPreCondition));
+    ReconcileSourceTables();
+}
+
+bool QueryScripts::HasPreconditionText()
+{
+    return !s.doc.GetPreconditionNode().attribute(QStringLiteral("TEXT")).isEmpty();
+}
+
+void QueryScripts::onBuildPre()
+{
+    Q_EMIT s.control->ShowConditionBuilderPopUp(s.doc.GetPreconditionText(), s.doc.GetSourceTablesText());
+}
+
+void QueryScripts::onBuildMQ()
+{
+    if (s.mainQueryTable.isEmpty())
+        return;
+    Q_EMIT s.control->ShowQueryBuilderPopUp(BoxText(s.mo->txtMainQuery), s.mainQueryTable);
+}
+
+QString QueryScripts::RunDocDialog(const QString& text, const QString& title)
+{
+    s.module.DocTextMode = true;
+    s.module.DocText = text;
+    s.module.DocTitle = title;
+    FrmTxtDoc dialog(s.module, s.control);
+    dialog.exec();
+    return s.module.DocText;
+}
+
+void QueryScripts::onPreDoc()
+{
+    const Node prec = s.doc.GetPreconditionNode();
+    if (!prec)
+        return;
+    const QString text = MappingDocument::UnescapeXmlText(prec.attribute(QStringLiteral("TEXT")));
+    const QString result = RunDocDialog(text, QStringLiteral("Precondition Text"));
+    s.doc.SetNodeAttribute(s.doc.GetPreconditionNode(), QStringLiteral("TEXT"), result);
+}
+
+void QueryScripts::onMQDoc()
+{
+    if (s.mainQueryTable.isEmpty() || !s.doc.GetQueryNode(s.mainQueryTable))
+        return;
+    const QString table = s.mainQueryTable;
+    const QString text = MappingDocument::UnescapeXmlText(s.doc.GetQueryNode(table).attribute(QStringLiteral("TEXT")));
+    const QString result = RunDocDialog(text, QStringLiteral("Text for Migrate:") + s.doc.TableName());
+    s.doc.SetNodeAttribute(s.doc.GetQueryNode(table), QStringLiteral("TEXT"), result);
+}
+
+// ---- functions and variables ----------------------------------------------
+
+void QueryScripts::SwitchScriptView(bool showPrecondition, bool keepEdits)
+{
+    MappingObjectPage* mo = s.mo;
+    if (mo->txtFunctions->isVisibleTo(mo)) {
+        mo->txtFunctions->hide();
+        s.doc.SetFunctionsText(keepEdits ? BoxText(mo->txtFunctions) : s.doc.GetFunctionsText());
+    }
+    if (mo->txtVariables->isVisibleTo(mo)) {
+        mo->txtVariables->hide();
+        s.doc.SetVariablesText(keepEdits ? BoxText(mo->txtVariables) : s.doc.GetVariablesText());
+    }
+    const QList<QWidget*> pre{mo->txtPreCondition, mo->CmdBuildPre, mo->CmdPreDoc, mo->CmdPreEditor,
+                              mo->PicPreResize, mo->CmdFunction, mo->CmdVariables};
+    const QList<QWidget*> mq{mo->txtMainQuery, mo->cmdBuildMQ, mo->CmdMQDoc, mo->CmdMqEditor,
+                             mo->PicMQResize, mo->CmdFunction, mo->CmdVariables, mo->lblMainQuery};
+    const QList<QWidget*> okCancel{mo->CmdOk, mo->CmdCancel, mo->CmdFuncEditor};
+    for (QWidget* w : pre + mq)
+        w->setVisible(showPrecondition);
+    for (QWidget* w : okCancel)
+        w->setVisible(!showPrecondition);
+    if (showPrecondition) {
+        mo->lblPreCondition->setText(QStringLiteral("PreCondition"));
+        if (mo->mainQueryEnlarged()) {
+            // The enlarged main query keeps the precondition's place.
+            for (QWidget* w : {static_cast<QWidget*>(mo->txtPreCondition), static_cast<QWidget*>(mo->CmdBuildPre),
+                               static_cast<QWidget*>(mo->CmdPreDoc), static_cast<QWidget*>(mo->CmdPreEditor),
+                               static_cast<QWidget*>(mo->PicPreResize)})
+                w->hide();
+            mo->lblPreCondition->setText(QStringLiteral("Main Query"));
+        }
+    }
+}
+
+void QueryScripts::onFunction()
+{
+    SetBoxText(s.mo->txtFunctions, MappingDocument::UnescapeXmlText(s.doc.GetFunctionsText()));
+    SwitchScriptView(false, false);
+    s.mo->txtFunctions->show();
+    s.mo->lblPreCondition->setText(QStringLiteral("Functions"));
+    s.mo->txtFunctions->setFocus(Qt::OtherFocusReason);
+    if (s.edit)
+        Q_EMIT s.control->SaveDoneDisabled();
+}
+
+void QueryScripts::onVariables()
+{
+    QString text = s.doc.GetVariablesText();
+    text.replace(QStringLiteral("~|~"), QStringLiteral("\t"));
+    text.replace(QStringLiteral("~^~"), QStringLiteral("\r\n"));
+    SetBoxText(s.mo->txtVariables, MappingDocument::UnescapeXmlText(text));
+    SwitchScriptView(false, false);
+    s.mo->txtVariables->show();
+    s.mo->lblPreCondition->setText(QStringLiteral("Variables / Includes "));
+    s.mo->txtVariables->setFocus(Qt::OtherFocusReason);
+    if (s.edit)
+        Q_EMIT s.control->SaveDoneDisabled();
+}
+
+void QueryScripts::onOk()
+{
+    SwitchScriptView(true, true);
+    if (s.edit)
+        Q_EMIT s.control->SaveDoneEnabled();
+}
+
+void QueryScripts::onCancel()
+{
+    SwitchScriptView(true, false);
+    s.mo->txtPreCondition->setFocus(Qt::OtherFocusReason);
+    if (s.edit)
+        Q_EMIT s.control->SaveDoneEnabled();
+}
+
+// ---- splitter -------------------------------------------------------------
+
+void QueryScripts::ToggleMainQuerySize()
+{
+    MappingObjectPage* mo = s.mo;
+    const bool enlarge = !mo->mainQueryEnlarged();
+    mo->setMainQueryEnlarged(enlarge);
+    for (QWidget* w : {static_cast<QWidget*>(mo->txtPreCondition), static_cast<QWidget*>(mo->CmdBuildPre),
+                       static_cast<QWidget*>(mo->CmdPreDoc), static_cast<QWidget*>(mo->CmdPreEditor),
+                       static_cast<QWidget*>(mo->CmdFunction), static_cast<QWidget*>(mo->CmdVariables),
+                       static_cast<QWidget*>(mo->lblMainQuery)})
+        w->setVisible(!enlarge);
+    mo->PicPreResize->setVisible(!enlarge);
+    mo->PicPreResize->setEnabled(!enlarge);
+    mo->lblPreCondition->setText(enlarge ? QStringLiteral("Main Query") : QStringLiteral("PreCondition"));
+    mo->SetResizeIcons(enlarge, false);
+    mo->LayoutChildren();
+}
+
+} // namespace fb

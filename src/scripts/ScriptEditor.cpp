@@ -1,0 +1,155 @@
+#include "ScriptEditor.h"
+
+#include <Qsci/qscilexercustom.h>
+
+#include <QFontDatabase>
+#include <QKeyEvent>
+
+namespace fb {
+
+namespace {
+
+enum Style { Default = 0, Keyword = 1, Reference = 2 };
+
+bool isSeparatorByte(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+bool keywordAt(const QByteArray& s, qsizetype i, const char* word, qsizetype len)
+{
+    if (i + len > s.size())
+        return false;
+    if (i > 0 && !isSeparatorByte(s[i - 1]))
+        return false;
+    for (qsizetype k = 0; k < len; ++k) {
+        char c = s[i + k];
+        if (c >= 'A' && c <= 'Z')
+            c = char(c - 'A' + 'a');
+        if (c != word[k])
+            return false;
+    }
+    return i + len == s.size() || isSeparatorByte(s[i + len]);
+}
+
+// Colours the two keywords that carry structure, found as the scanner finds
+// them: whole words between blanks, tabs and line breaks, in any letter case.
+class ScriptLexer : public QsciLexerCustom {
+public:
+    explicit ScriptLexer(QObject* parent) : QsciLexerCustom(parent)
+    {
+        const QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        setDefaultFont(mono);
+        for (int s : {Default, Keyword, Reference})
+            setFont(mono, s);
+        setColor(QColor(0x20, 0x20, 0x20), Default);
+        setColor(QColor(0x00, 0x3c, 0xb4), Keyword);
+        setColor(QColor(0x9b, 0x30, 0x00), Reference);
+        QFont bold = mono;
+        bold.setBold(true);
+        setFont(bold, Keyword);
+    }
+
+    const char* language() const override { return "FieldbridgeScript"; }
+
+    QString description(int style) const override
+    {
+        switch (style) {
+        case Default:
+            return QStringLiteral("Default");
+        case Keyword:
+            return QStringLiteral("Keyword");
+        case Reference:
+            return QStringLiteral("Reference");
+        default:
+            return QString();
+        }
+    }
+
+    void styleText(int start, int end) override
+    {
+        QsciScintilla* ed = editor();
+        if (!ed || end <= start)
+            return;
+        const long line = ed->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, static_cast<unsigned long>(start));
+        start = int(ed->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, static_cast<unsigned long>(line)));
+        QByteArray bytes(end - start + 1, '\0');
+        ed->SendScintilla(QsciScintillaBase::SCI_GETTEXTRANGE, start, end, bytes.data());
+        bytes.truncate(end - start);
+
+        startStyling(start);
+        qsizetype i = 0;
+        const qsizetype n = bytes.size();
+        auto run = [&](qsizetype len, int style) {
+            if (len > 0)
+                setStyling(int(len), style);
+            i += len;
+        };
+        while (i < n) {
+            const bool migrate = keywordAt(bytes, i, "migrate", 7);
+            const bool dump = !migrate && keywordAt(bytes, i, "dump", 4);
+            if (!migrate && !dump) {
+                qsizetype j = i + 1;
+                while (j < n && !(isSeparatorByte(bytes[j - 1]) && (bytes[j] == 'm' || bytes[j] == 'M' ||
+                                                                     bytes[j] == 'd' || bytes[j] == 'D')))
+                    ++j;
+                run(j - i, Default);
+                continue;
+            }
+            run(migrate ? 7 : 4, Keyword);
+            qsizetype j = i;
+            while (j < n && (bytes[j] == ' ' || bytes[j] == '\t'))
+                ++j;
+            run(j - i, Default);
+            j = i;
+            while (j < n && !isSeparatorByte(bytes[j]))
+                ++j;
+            run(j - i, Reference);
+        }
+    }
+};
+
+} // namespace
+
+ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
+{
+    setUtf8(true);
+    setEolMode(EolUnix);
+    setLexer(new ScriptLexer(this));
+    setMarginType(0, NumberMargin);
+    setMarginLineNumbers(0, true);
+    setMarginWidth(0, QStringLiteral("00000"));
+    setTabWidth(4);
+    setWrapMode(WrapNone);
+    setBraceMatching(SloppyBraceMatch);
+    setCaretLineVisible(true);
+    setCaretLineBackgroundColor(QColor(0xf3, 0xf6, 0xfb));
+    setAutoCompletionSource(AcsDocument);
+    setAutoCompletionThreshold(3);
+}
+
+void ScriptEditor::setPlainText(const QString& text)
+{
+    if (text == this->text())
+        return;
+    const bool locked = isReadOnly();
+    if (locked)
+        setReadOnly(false); // a locked editor still shows what the control puts in it
+    setText(text);
+    if (locked)
+        setReadOnly(true);
+}
+
+void ScriptEditor::keyPressEvent(QKeyEvent* event)
+{
+    const Qt::KeyboardModifiers mods =
+        event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if ((event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) && mods != Qt::NoModifier) {
+        event->accept();
+        Q_EMIT tabWithModifiers(mods);
+        return;
+    }
+    QsciScintilla::keyPressEvent(event);
+}
+
+} // namespace fb

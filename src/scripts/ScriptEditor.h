@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Qsci/qsciscintilla.h>
+
+namespace fb {
+
+// The editor of every script box: line numbers, the keywords "migrate" (with
+// its table) and "dump" (with its number) in colour, undo, and the text as
+// the Qt property plainText ("\n" line breaks) with its lock as readOnly.
+class ScriptEditor : public QsciScintilla {
+    Q_OBJECT
+    Q_PROPERTY(QString plainText READ plainText WRITE setPlainText NOTIFY textChanged USER true)
+    Q_PROPERTY(bool readOnly READ isReadOnly WRITE setReadOnly)
+
+public:
+    explicit ScriptEditor(QWidget* parent = nullptr);
+
+    QString plainText() const { return text(); }
+    void setPlainText(const QString& text);
+
+Q_SIGNALS:
+    // Tab with a modifier held; the key itself is swallowed.
+    void tabWithModifiers(Qt::KeyboardModifiers modifiers);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+} // namespace fb
