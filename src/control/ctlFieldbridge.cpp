@@ -71,6 +71,8 @@ void ctlFieldbridgePrivate::StartUp()
                      [this](QWidget* old, QWidget* now) { focusChanged(old, now); });
     qApp->installEventFilter(this);
     s.mo->lstSourceTables->installEventFilter(this);
+    s.dd->RulesGrid->installEventFilter(this);
+    s.dd->txtgrdline->installEventFilter(this);
     LayoutPanes();
 }
 
@@ -223,6 +225,14 @@ void ctlFieldbridgePrivate::focusChanged(QWidget* old, QWidget* now)
             scripts.StoreMainQuery();
         else if (from == s.dd->CmbDump)
             dumps.DumpSelectorLostFocus();
+        else if (from == s.dd->txtgrdline)
+            dumps.OverlayLostFocus();
+    }
+    if (to && to != from) {
+        if (to == s.dd->RulesGrid)
+            dumps.GridGotFocus();
+        else if (to == s.dd->lstSourceFields)
+            dumps.SourceFieldsGotFocus();
     }
     if (wasInside && !isInside)
         ControlLostFocus();
@@ -276,6 +286,11 @@ bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
                 return true;
             }
         }
+        if (type == QEvent::KeyPress && watched == s.dd->RulesGrid && !s.dd->txtgrdline->isVisible() &&
+            dumps.GridKeyPress(key->text(), key->key()))
+            return true;
+        if (type == QEvent::KeyPress && watched == s.dd->txtgrdline && dumps.OverlayKeyDown(key->key()))
+            return true;
         if (type == QEvent::KeyPress && watched == s.mo->lstSourceTables && key->key() == Qt::Key_Delete &&
             key->modifiers() == Qt::NoModifier) {
             if (s.edit)
@@ -417,7 +432,7 @@ int ctlFieldbridge::GetRowNumber(const QString& i_StrFieldName) const
 
 void ctlFieldbridge::GridEdit(short KeyAscii)
 {
-    Q_UNUSED(KeyAscii);
+    d->dumps.GridEdit(KeyAscii, true);
 }
 
 void ctlFieldbridge::resizeEvent(QResizeEvent* event)

@@ -7,6 +7,8 @@
 #include "dictionary/FieldListModel.h"
 #include "document/VbText.h"
 #include "forms/FrmTxtDoc.h"
+#include "rules/core/RuleGuess.h"
+#include "control/Twips.h"
 #include "scripts/MappingObjectPage.h"
 
 #include <QComboBox>
@@ -33,6 +35,12 @@ void DumpRules::Connect()
     QObject::connect(dd->Command1, &QPushButton::clicked, dd, [this] { onShow(); });
     QObject::connect(dd->lstTargetFields, &QTreeView::clicked, dd,
                      [this](const QModelIndex& i) { onTargetFieldClicked(i.row()); });
+    QObject::connect(dd->CmdMap, &QPushButton::clicked, dd, [this] { Map(); });
+    QObject::connect(dd->CmdGuess, &QPushButton::clicked, dd, [this] { Guess(); });
+    QObject::connect(dd->CmdFuncBuild, &QPushButton::clicked, dd, [this] { FuncBuild(); });
+    QObject::connect(dd->RulesGrid, &QTableView::doubleClicked, dd, [this] { GridDoubleClicked(); });
+    QObject::connect(dd->RulesGrid->selectionModel(), &QItemSelectionModel::currentChanged, dd,
+                     [this](const QModelIndex& c, const QModelIndex& p) { GridCurrentChanged(c, p); });
     for (QTreeView* list : {dd->lstSourceFields, dd->lstTargetFields}) {
         QObject::connect(list->header(), &QHeaderView::sectionClicked, list, [list](int column) {
             // Each click reverses the order, starting with ascending.
@@ -340,7 +348,10 @@ void DumpRules::LayoutGrid(const Node& table)
     QStringList names;
     for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
         names.append(QualifiedFieldName(table, f));
+    s.dd->txtgrdline->hide();
+    m_syncFieldList = false;
     s.dd->rules->setRows(names);
+    m_syncFieldList = true;
     s.dd->CmbDump->setToolTip(s.doc.KnownDumps().value(vb::ToInteger(m_tag).value_or(0)));
 }
 
@@ -353,9 +364,19 @@ int DumpRules::GetRowNumber(const QString& fieldName) const
     return -1;
 }
 
+int DumpRules::RowOfFieldPart(const QString& fieldName) const
+{
+    // The builders name a field by its part from the tenth character on.
+    const RulesGridModel* grid = s.dd->rules;
+    for (int r = 0; r < grid->rowCount(); ++r)
+        if (FieldPartOf(grid->text(r, 0)) == fieldName)
+            return r;
+    return -1;
+}
+
 void DumpRules::SetRuleInGrid(const QString& fieldName, const QString& rule)
 {
-    const int row = GetRowNumber(fieldName);
+    const int row = RowOfFieldPart(fieldName);
     if (row >= 0)
         s.dd->rules->setText(row, 1, rule);
 }
@@ -370,7 +391,9 @@ void DumpRules::SelectGridRowOfField(const QString& fieldName)
     }
     const QModelIndex index = s.dd->rules->index(row, std::max(grid->currentIndex().column(), 0));
     grid->scrollTo(index, QAbstractItemView::PositionAtTop);
+    m_syncFieldList = false; // the list already shows this field
     grid->setCurrentIndex(index);
+    m_syncFieldList = true;
 }
 
 QString DumpRules::FieldMapping() const
@@ -386,6 +409,213 @@ void DumpRules::SetFieldMapping(const QString& rule)
     if (current.isValid())
         s.dd->rules->setText(current.row(), 1, FromEditorText(ToEditorText(rule)));
     s.dd->CmdFuncBuild->setEnabled(true);
+}
+
+} // namespace fb
+
+namespace fb {
+
+// ---- in-place editing -----------------------------------------------------
+
+void DumpRules::GridEdit(qint16 keyAscii, bool typed)
+{
+    QTableView* grid = s.dd->RulesGrid;
+    QPlainTextEdit* overlay = s.dd->txtgrdline;
+    QModelIndex current = grid->currentIndex();
+    if (!current.isValid()) {
+        if (s.dd->rules->rowCount() == 0)
+            return;
+        current = s.dd->rules->index(0, 1);
+        grid->setCurrentIndex(current);
+    }
+    if (current.column() == 0) {
+        current = current.siblingAtColumn(1);
+        grid->setCurrentIndex(current);
+    }
+    overlay->setFont(grid->font());
+    const QString cell = s.dd->rules->text(current.row(), 1);
+    if (keyAscii >= 0 && keyAscii <= 32)
+        SetBoxText(overlay, cell);
+    else if (typed)
+        SetBoxText(overlay, QString(QChar(char16_t(keyAscii))));
+    else
+        SetBoxText(overlay, cell);
+
+    // Over the cell, 70 twips narrower than it.
+    const QRect cellRect = grid->visualRect(current);
+    const QPoint topLeft = grid->viewport()->mapTo(s.dd->Details, cellRect.topLeft());
+    overlay->setGeometry(topLeft.x(), topLeft.y(), cellRect.width() - TwipsToPixelsX(70, grid),
+                         cellRect.height());
+    overlay->show();
+    overlay->raise();
+    overlay->setFocus(Qt::OtherFocusReason);
+    overlay->moveCursor(QTextCursor::End);
+}
+
+void DumpRules::GridDoubleClicked()
+{
+    QTableView* grid = s.dd->RulesGrid;
+    if (grid->currentIndex().column() == 0)
+        grid->setCurrentIndex(grid->currentIndex().siblingAtColumn(1));
+    GridEdit(32, false);
+}
+
+void DumpRules::MoveToNextRow()
+{
+    QTableView* grid = s.dd->RulesGrid;
+    const QModelIndex current = grid->currentIndex();
+    if (!current.isValid() || current.row() + 1 >= s.dd->rules->rowCount())
+        return;
+    const QModelIndex next = current.sibling(current.row() + 1, current.column());
+    grid->setCurrentIndex(next);
+    const QRect r = grid->visualRect(next);
+    if (!grid->viewport()->rect().contains(r))
+        grid->scrollTo(next, QAbstractItemView::PositionAtTop);
+}
+
+bool DumpRules::GridKeyPress(const QString& text, int key)
+{
+    QTableView* grid = s.dd->RulesGrid;
+    if (key == Qt::Key_Tab) {
+        if (grid->currentIndex().column() == 0)
+            grid->setCurrentIndex(grid->currentIndex().siblingAtColumn(1));
+        MoveToNextRow();
+        return true;
+    }
+    if (text.isEmpty())
+        return false; // navigation keys stay with the grid
+    if (grid->currentIndex().isValid() && grid->currentIndex().column() == 0)
+        grid->setCurrentIndex(grid->currentIndex().siblingAtColumn(1));
+    GridEdit(qint16(text[0].unicode()), true);
+    return true;
+}
+
+void DumpRules::CommitOverlay(int row)
+{
+    s.dd->rules->setText(row, 1, BoxText(s.dd->txtgrdline));
+}
+
+void DumpRules::GridCurrentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QPlainTextEdit* overlay = s.dd->txtgrdline;
+    if (overlay->isVisible() && previous.isValid()) {
+        // Leaving the cell commits the edit and stores the dump at once.
+        CommitOverlay(previous.row());
+        overlay->hide();
+        StoreDumpRules(m_tag);
+    }
+    if (m_syncFieldList && current.isValid()) {
+        const int item = GetListItemNumber(s.dd->rules->text(current.row(), 0));
+        if (item > 0) {
+            const QModelIndex listIndex = s.dd->targetFields->index(item - 1, 0);
+            s.dd->lstTargetFields->scrollTo(listIndex);
+            s.dd->lstTargetFields->setCurrentIndex(listIndex);
+        }
+    }
+}
+
+void DumpRules::GridGotFocus()
+{
+    QPlainTextEdit* overlay = s.dd->txtgrdline;
+    const QModelIndex current = s.dd->RulesGrid->currentIndex();
+    if (overlay->isVisible() && current.isValid()) {
+        CommitOverlay(current.row());
+        overlay->hide();
+    }
+}
+
+bool DumpRules::OverlayKeyDown(int key)
+{
+    if (key == Qt::Key_Escape) {
+        s.dd->txtgrdline->hide(); // the cell keeps its old text
+        s.dd->RulesGrid->setFocus(Qt::OtherFocusReason);
+        return true;
+    }
+    if (key == Qt::Key_Tab) {
+        // The focus moving to the grid commits the edit and moves one row on.
+        s.dd->RulesGrid->setFocus(Qt::TabFocusReason);
+        return true;
+    }
+    return false;
+}
+
+void DumpRules::OverlayLostFocus()
+{
+    QPlainTextEdit* overlay = s.dd->txtgrdline;
+    if (!overlay->isVisible())
+        return;
+    const QModelIndex current = s.dd->RulesGrid->currentIndex();
+    if (current.isValid())
+        CommitOverlay(current.row());
+    MoveToNextRow();
+    overlay->hide();
+}
+
+void DumpRules::SourceFieldsGotFocus()
+{
+    QTreeView* list = s.dd->lstSourceFields;
+    if (s.dd->sourceFields->rowCount() > 0 && list->currentIndex().isValid())
+        list->scrollTo(list->currentIndex());
+}
+
+// ---- commands -------------------------------------------------------------
+
+void DumpRules::Map()
+{
+    const QModelIndex target = s.dd->lstTargetFields->currentIndex();
+    if (!target.isValid() || !s.dd->lstTargetFields->selectionModel()->isRowSelected(target.row(), QModelIndex()))
+        return;
+    const FieldListModel* sources = s.dd->sourceFields;
+    const FieldListModel* targets = s.dd->targetFields;
+    QList<FieldEntry> ticked;
+    for (int r = 0; r < sources->rowCount(); ++r)
+        if (sources->isChecked(r))
+            ticked.append({sources->cellText(r, 2), sources->cellText(r, 3)});
+    const QString rule = BuildMappedRule(ticked, targets->cellText(target.row(), 4));
+    if (!rule.isEmpty())
+        SetRuleInGrid(FieldPartOf(targets->cellText(target.row(), 3)), rule);
+    else
+        s.ui.MsgBox(QStringLiteral("Please choose a source field to map"), MsgButtons::Ok, MsgIcon::None);
+    s.dd->sourceFields->clearChecks();
+}
+
+void DumpRules::Guess()
+{
+    const FieldListModel* sources = s.dd->sourceFields;
+    const FieldListModel* targets = s.dd->targetFields;
+    if (sources->rowCount() == 0 || targets->rowCount() == 0)
+        return;
+    const RulesGridModel* grid = s.dd->rules;
+    for (int r = 0; r < grid->rowCount(); ++r) {
+        if (grid->text(r, 1).isEmpty())
+            continue;
+        const QString prompt = QStringLiteral("You may lose some/all Data of ") + s.dd->Details->title() +
+                               QStringLiteral("\r\n Press 'Yes' to Proceed; 'No' to Cancel ");
+        const QString title = QStringLiteral("Guessing rules for dump : ") + QString::number(SelectedDumpNumber());
+        if (s.ui.MsgBox(prompt, MsgButtons::YesNo, MsgIcon::Critical, title) != MsgAnswer::Yes)
+            return;
+        break;
+    }
+    QList<FieldEntry> sourceEntries;
+    sourceEntries.reserve(sources->rowCount());
+    for (int r = 0; r < sources->rowCount(); ++r)
+        sourceEntries.append({sources->cellText(r, 2), sources->cellText(r, 3)});
+    QList<FieldEntry> targetEntries;
+    targetEntries.reserve(targets->rowCount());
+    for (int r = 0; r < targets->rowCount(); ++r)
+        targetEntries.append({targets->cellText(r, 3), targets->cellText(r, 4)});
+    for (const GuessedRule& g : GuessRules(sourceEntries, targetEntries))
+        SetRuleInGrid(g.fieldName, g.rule);
+    StoreDumpRules(m_tag);
+}
+
+void DumpRules::FuncBuild()
+{
+    if (s.dd->CmbDump->currentText().isEmpty())
+        return;
+    const QModelIndex current = s.dd->RulesGrid->currentIndex();
+    const QString rule = current.isValid() ? s.dd->rules->text(current.row(), 1) : QString();
+    Q_EMIT s.control->ShowFunctionBuilderPopUp(rule, s.doc.GetSourceTablesText());
 }
 
 } // namespace fb

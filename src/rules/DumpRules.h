@@ -4,6 +4,8 @@
 
 #include <QString>
 
+class QModelIndex;
+
 namespace fb {
 
 struct ControlState;
@@ -50,13 +52,35 @@ public:
     // Leaving the dump selector: shows the chosen dump.
     void DumpSelectorLostFocus();
 
+    // ---- in-place editing ----
+    void GridEdit(qint16 keyAscii, bool typed);
+    void GridDoubleClicked();
+    // A key pressed in the grid; true when it was used.
+    bool GridKeyPress(const QString& text, int key);
+    void GridCurrentChanged(const QModelIndex& current, const QModelIndex& previous);
+    void GridGotFocus();
+    // Keys of the overlay box; true when used.
+    bool OverlayKeyDown(int key);
+    void OverlayLostFocus();
+    void SourceFieldsGotFocus();
+
+    // ---- commands ----
+    void Map();
+    void Guess();
+    void FuncBuild();
+
 private:
     void onDumpChosen(int index);
     void onShow();
     void onTargetFieldClicked(int row);
 
+    int RowOfFieldPart(const QString& fieldName) const;
+    void CommitOverlay(int row);
+    void MoveToNextRow();
+
     ControlState& s;
-    QString m_tag; // the number of the dump whose rules the grid holds; "" for none
+    QString m_tag;
+    bool m_syncFieldList = true; // entering a cell selects the field in the target list // the number of the dump whose rules the grid holds; "" for none
 };
 
 } // namespace fb
