@@ -94,7 +94,7 @@ void QueryScripts::RefreshSourceTableList()
         s.doc.SetSourceTablesText(rows.join(u','));
     }
     if (s.dd)
-        s.dd->lstSourceFields->setSortingEnabled(false);
+        s.dd->lstSourceFields->viewport()->update();
 }
 
 void QueryScripts::DeleteSelectedSourceTable()
