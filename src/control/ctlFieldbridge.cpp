@@ -177,10 +177,7 @@ void ctlFieldbridgePrivate::TabChanged(int index)
 
 QString ctlFieldbridgePrivate::ReadMappingObject()
 {
-    if (s.doc.GetPreconditionNode()) {
-        s.doc.SetPreconditionText(BoxText(s.mo->txtPreCondition));
-        scripts.ReconcileSourceTables();
-    }
+    scripts.StorePrecondition();
     scripts.StoreMainQuery();
     if (s.dd->CmbDump->currentIndex() >= 0 && vb::IsNumeric(s.dd->CmbDump->currentData().toString()))
         dumps.StoreDumpRules(s.dd->CmbDump->currentData().toString());

@@ -186,6 +186,11 @@ QString Mid(const QString& text, int start, int length)
     return length < 0 ? text.mid(start - 1) : text.mid(start - 1, length);
 }
 
+QStringList Split(const QString& text, QChar separator)
+{
+    return text.isEmpty() ? QStringList() : text.split(separator);
+}
+
 QString SignPadded(qint64 number)
 {
     return number < 0 ? QString::number(number) : u' ' + QString::number(number);

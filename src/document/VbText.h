@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -39,6 +40,10 @@ int InStrText(const QString& text, const QString& what, int start = 1);
 
 // Mid(text, start[, length]) with a 1-based start; "" past the end.
 QString Mid(const QString& text, int start, int length = -1);
+
+// Splits at every separator; an empty text gives no piece at all (not one
+// empty piece).
+QStringList Split(const QString& text, QChar separator);
 
 // The number in the sign-padded form of a number printed on its own:
 // a positive number (and zero) gets one leading blank, a negative its minus.

@@ -58,7 +58,7 @@ void DumpRules::FillSourceFields()
     FieldListModel* model = s.dd->sourceFields;
     model->clear();
     QList<FieldRow> rows;
-    for (const QString& table : s.doc.GetSourceTablesText().split(u',')) {
+    for (const QString& table : vb::Split(s.doc.GetSourceTablesText(), u',')) {
         QString name = table;
         name.remove(u'\r');
         name.remove(u'\n');

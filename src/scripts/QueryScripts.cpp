@@ -65,7 +65,7 @@ void QueryScripts::ClearSourceTableList()
 void QueryScripts::RefreshSourceTableList()
 {
     QStandardItemModel* model = s.mo->sourceTablesModel;
-    QStringList pieces = s.doc.GetSourceTablesText().split(u',');
+    QStringList pieces = vb::Split(s.doc.GetSourceTablesText(), u',');
     for (QString& p : pieces) {
         p.remove(u'\n');
         p.remove(u'\r');
@@ -116,7 +116,7 @@ void QueryScripts::ReconcileSourceTables()
     s.doc.MigrateTables() = QStringList{QString()};
     s.scanner.ParseMigrateTables(s.doc.GetPreconditionText());
     bool verdict = true;
-    const QStringList sources = s.doc.GetSourceTablesText().split(u',');
+    const QStringList sources = vb::Split(s.doc.GetSourceTablesText(), u',');
     const QStringList migrate = s.doc.MigrateTables();
     if (vb::Trim(migrate.first()).isEmpty()) {
         ShowMigrateQuery(QString());
@@ -125,7 +125,7 @@ void QueryScripts::ReconcileSourceTables()
     }
     bool allListed = true;
     for (const QString& name : migrate) {
-        if (!sources.contains(name)) {
+        if (!ListContains(sources, name)) {
             const QString text = s.doc.GetSourceTablesText();
             s.control->setSourceTables(text.isEmpty() ? name : text + u',' + name);
             verdict = false;
