@@ -133,7 +133,7 @@ void DefineDumpsPage::LayoutChildren()
     for (QWidget* c : std::initializer_list<QWidget*>{lblDump, CmbDump, Command1, lblTargetTable, CmbTargetTable,
                                                       LBLTargetTableName, CmdChange}) {
         Place(c, x, top, c->width(), rowH);
-        x += c->width() + (c == lblDump || c == lblTargetTable ? 0 : small);
+        x += c->width() + small;
     }
 
     // The two field lists share the frame width less 480 in equal halves.
