@@ -60,6 +60,31 @@ QString parsedLineEnds(const QString& text)
     return out;
 }
 
+// The parser takes an element that repeats an attribute name without
+// complaint. Such text is not well-formed, and serialising it again would
+// hand the same fault back to the host, so it is refused like any other.
+bool hasRepeatedAttribute(const pugi::xml_document& doc)
+{
+    pugi::xml_node cur = doc.first_child();
+    while (cur) {
+        if (cur.type() == pugi::node_element) {
+            for (pugi::xml_attribute a = cur.first_attribute(); a; a = a.next_attribute())
+                for (pugi::xml_attribute b = a.next_attribute(); b; b = b.next_attribute())
+                    if (std::strcmp(a.name(), b.name()) == 0)
+                        return true;
+        }
+        if (cur.first_child()) {
+            cur = cur.first_child();
+            continue;
+        }
+        while (cur && !cur.next_sibling())
+            cur = cur.parent();
+        if (cur)
+            cur = cur.next_sibling();
+    }
+    return false;
+}
+
 bool canHoldElements(pugi::xml_node n)
 {
     return n.type() == pugi::node_element || n.type() == pugi::node_document;
@@ -258,7 +283,7 @@ bool MappingDocument::LoadXml(const QString& text)
             else if (c.type() == pugi::node_pcdata || c.type() == pugi::node_cdata)
                 ok = false;
         }
-        ok = ok && elements == 1;
+        ok = ok && elements == 1 && !hasRepeatedAttribute(d->doc);
     }
     if (!ok) {
         d->doc.reset();
