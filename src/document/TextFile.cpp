@@ -64,8 +64,12 @@ bool WriteTextFile(const QString& path, const QString& text, QString* error)
 {
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir(folder).exists()) {
+        // Asking for the temporary folder may itself create it again (it is
+        // this user's private folder), so look once more before making it.
         const bool inTemp = ensureTrailingSlash(folder) == TempFolder();
-        if (!(inTemp ? ::mkdir(QFile::encodeName(folder).constData(), 0700) == 0 : QDir().mkpath(folder))) {
+        const bool made = QDir(folder).exists() ||
+                          (inTemp ? ::mkdir(QFile::encodeName(folder).constData(), 0700) == 0 : QDir().mkpath(folder));
+        if (!made) {
             if (error)
                 *error = QStringLiteral("Cannot create the folder ") + folder;
             return false;
