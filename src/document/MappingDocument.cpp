@@ -85,6 +85,157 @@ bool hasRepeatedAttribute(const pugi::xml_document& doc)
     return false;
 }
 
+bool isXmlChar(char32_t c)
+{
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
+           (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+// The parser is lenient where XML is not: it keeps unknown entity references
+// and bare ampersands as text, cuts text at "&#0;", and accepts "<" in an
+// attribute value, "]]>" in text, "--" inside a comment and characters that
+// XML forbids. Text with any of these is not well-formed; this scan of the
+// raw text finds them, so that such a document is refused as a whole rather
+// than silently changed.
+bool passesMarkupChecks(QStringView t)
+{
+    const qsizetype n = t.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = t[i];
+        if (c.isHighSurrogate()) {
+            if (i + 1 < n && t[i + 1].isLowSurrogate()) {
+                ++i;
+                continue;
+            }
+            return false;
+        }
+        if (c.isLowSurrogate() || !isXmlChar(c.unicode()))
+            return false;
+    }
+
+    bool internalSubset = false; // entities may be declared there
+    // A reference starting at t[i] == '&'; on success i is left on its ';'.
+    const auto reference = [&](qsizetype& i) {
+        const qsizetype semi = t.indexOf(u';', i + 1);
+        if (semi < 0)
+            return false;
+        const QStringView name = t.mid(i + 1, semi - i - 1);
+        bool ok = false;
+        if (name.startsWith(u'#')) {
+            char32_t value = 0;
+            const bool hex = name.size() > 1 && name[1] == u'x';
+            const QStringView digits = name.mid(hex ? 2 : 1);
+            ok = !digits.isEmpty() && digits.size() <= 8;
+            for (QChar d : digits) {
+                const int v = hex ? (d.isDigit() ? d.unicode() - u'0'
+                                     : (d >= u'a' && d <= u'f') ? d.unicode() - u'a' + 10
+                                     : (d >= u'A' && d <= u'F') ? d.unicode() - u'A' + 10
+                                                                : -1)
+                                  : (d >= u'0' && d <= u'9' ? d.unicode() - u'0' : -1);
+                if (v < 0) {
+                    ok = false;
+                    break;
+                }
+                value = value * (hex ? 16 : 10) + char32_t(v);
+            }
+            ok = ok && isXmlChar(value);
+        } else {
+            ok = name == u"lt" || name == u"gt" || name == u"amp" || name == u"quot" || name == u"apos" ||
+                 (internalSubset && IsXmlName(name.toString()));
+        }
+        if (ok)
+            i = semi;
+        return ok;
+    };
+
+    qsizetype i = 0;
+    while (i < n) {
+        const QStringView rest = t.mid(i);
+        if (t[i] == u'<') {
+            if (rest.startsWith(u"<!--")) {
+                const qsizetype end = t.indexOf(u"-->", i + 4);
+                if (end < 0)
+                    return false;
+                const QStringView body = t.mid(i + 4, end - i - 4);
+                if (body.contains(u"--") || body.endsWith(u'-'))
+                    return false;
+                i = end + 3;
+                continue;
+            }
+            if (rest.startsWith(u"<![CDATA[")) {
+                const qsizetype end = t.indexOf(u"]]>", i + 9);
+                if (end < 0)
+                    return false;
+                i = end + 3;
+                continue;
+            }
+            if (rest.startsWith(u"<?")) {
+                const qsizetype end = t.indexOf(u"?>", i + 2);
+                if (end < 0)
+                    return false;
+                i = end + 2;
+                continue;
+            }
+            if (rest.startsWith(u"<!")) {
+                // A document type: to its closing ">", past any internal subset.
+                qsizetype j = i + 2;
+                int depth = 0;
+                QChar quote;
+                for (; j < n; ++j) {
+                    const QChar c = t[j];
+                    if (!quote.isNull()) {
+                        if (c == quote)
+                            quote = QChar();
+                    } else if (c == u'"' || c == u'\'') {
+                        quote = c;
+                    } else if (c == u'[') {
+                        ++depth;
+                        internalSubset = true;
+                    } else if (c == u']') {
+                        --depth;
+                    } else if (c == u'>' && depth <= 0) {
+                        break;
+                    }
+                }
+                if (j >= n)
+                    return false;
+                i = j + 1;
+                continue;
+            }
+            // A tag, to its ">" outside quoted attribute values.
+            qsizetype j = i + 1;
+            QChar quote;
+            for (; j < n; ++j) {
+                const QChar c = t[j];
+                if (!quote.isNull()) {
+                    if (c == quote)
+                        quote = QChar();
+                    else if (c == u'<')
+                        return false;
+                    else if (c == u'&' && !reference(j))
+                        return false;
+                } else if (c == u'"' || c == u'\'') {
+                    quote = c;
+                } else if (c == u'>') {
+                    break;
+                }
+            }
+            if (j >= n)
+                return false;
+            i = j + 1;
+            continue;
+        }
+        if (t[i] == u'&') {
+            if (!reference(i))
+                return false;
+        } else if (t[i] == u']' && rest.startsWith(u"]]>")) {
+            return false;
+        }
+        ++i;
+    }
+    return true;
+}
+
 bool canHoldElements(pugi::xml_node n)
 {
     return n.type() == pugi::node_element || n.type() == pugi::node_document;
@@ -270,10 +421,11 @@ bool MappingDocument::LoadXml(const QString& text)
     m_knownDumps.clear();
     m_migrateTables = QStringList{QString()};
 
-    const QByteArray bytes = text.toUtf8();
-    const pugi::xml_parse_result result =
-        d->doc.load_buffer(bytes.constData(), size_t(bytes.size()), kParseFlags, pugi::encoding_utf8);
-    bool ok = bool(result);
+    bool ok = passesMarkupChecks(text);
+    if (ok) {
+        const QByteArray bytes = text.toUtf8();
+        ok = bool(d->doc.load_buffer(bytes.constData(), size_t(bytes.size()), kParseFlags, pugi::encoding_utf8));
+    }
     if (ok) {
         // Exactly one root element, and nothing but markup around it.
         int elements = 0;

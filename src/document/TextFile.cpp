@@ -68,7 +68,8 @@ bool WriteTextFile(const QString& path, const QString& text, QString* error)
         // this user's private folder), so look once more before making it.
         const bool inTemp = ensureTrailingSlash(folder) == TempFolder();
         const bool made = QDir(folder).exists() ||
-                          (inTemp ? ::mkdir(QFile::encodeName(folder).constData(), 0700) == 0 : QDir().mkpath(folder));
+                          (QDir().mkpath(folder) &&
+                           (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
         if (!made) {
             if (error)
                 *error = QStringLiteral("Cannot create the folder ") + folder;

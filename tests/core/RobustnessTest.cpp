@@ -86,8 +86,34 @@ INSTANTIATE_TEST_SUITE_P(
                       MalformedRow{"duplicate_attribute",
                                    QStringLiteral("<klmno001><PREC TEXT=\"1\" TEXT=\"2\">p</PREC></klmno001>")},
                       MalformedRow{"duplicate_attribute_deep_inside",
-                                   QStringLiteral("<klmno001><DUMP No=\"1\"><A No=\"1\" TYPE=\"0\" No=\"2\"/></DUMP></klmno001>")}),
+                                   QStringLiteral("<klmno001><DUMP No=\"1\"><A No=\"1\" TYPE=\"0\" No=\"2\"/></DUMP></klmno001>")},
+                      MalformedRow{"unknown_entity", QStringLiteral("<klmno001><PREC>&foo;</PREC></klmno001>")},
+                      MalformedRow{"bare_ampersand", QStringLiteral("<klmno001><PREC>a & b</PREC></klmno001>")},
+                      MalformedRow{"character_reference_zero", QStringLiteral("<klmno001><PREC>x&#0;y</PREC></klmno001>")},
+                      MalformedRow{"character_reference_not_a_number",
+                                   QStringLiteral("<klmno001><PREC>&#x12g;</PREC></klmno001>")},
+                      MalformedRow{"less_than_in_attribute", QStringLiteral("<klmno001><PREC TEXT=\"a<b\"/></klmno001>")},
+                      MalformedRow{"ampersand_in_attribute", QStringLiteral("<klmno001><PREC TEXT=\"a&b\"/></klmno001>")},
+                      MalformedRow{"cdata_end_in_text", QStringLiteral("<klmno001><PREC>a]]>b</PREC></klmno001>")},
+                      MalformedRow{"double_hyphen_in_comment", QStringLiteral("<klmno001><!-- a -- b --></klmno001>")},
+                      MalformedRow{"control_character", QStringLiteral("<klmno001><PREC>a\u0001b</PREC></klmno001>")},
+                      MalformedRow{"lone_surrogate",
+                                   QStringLiteral("<klmno001><PREC>a") + QChar(0xD800) + QStringLiteral("b</PREC></klmno001>")}),
     RowName());
+
+// What XML allows must stay allowed: the five entities, character
+// references, markup characters inside comments, CDATA and instructions.
+TEST(Load, AcceptsWhatXmlAllowsAroundTheMarkupChecks)
+{
+    MappingDocument doc;
+    Load(doc,
+         QStringLiteral("<klmno001><!-- a & b < c --><?pi a & b?><PREC TEXT=\"&lt;&#10;&#x263A;&apos;\">"
+                        "&lt;&gt;&amp;&quot;&apos;&#65;<![CDATA[x & y ]] < z]]>]</PREC></klmno001>"),
+         kTable);
+    EXPECT_EQ(doc.LastError().code, 0);
+    EXPECT_EQ(doc.GetPreconditionText(), QStringLiteral("<>&\"'Ax & y ]] < z]"));
+    EXPECT_EQ(doc.GetPreconditionNode().attribute(QStringLiteral("TEXT")), QStringLiteral("<\n") + QChar(0x263A) + u'\'');
+}
 
 TEST(Load, BlanksAndLineBreaksAroundTheRootAreAccepted)
 {
