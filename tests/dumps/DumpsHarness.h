@@ -93,7 +93,10 @@ struct XmlElement {
                 return p.second;
         return QString();
     }
-    const XmlElement* child(const QString& n) const
+    // Pointers into a temporary would dangle: keep the document in a variable.
+    const XmlElement* child(const QString& n) const&& = delete;
+    const XmlElement* dump(int number) const&& = delete;
+    const XmlElement* child(const QString& n) const&
     {
         for (const XmlElement& c : children)
             if (c.name == n)
@@ -109,7 +112,7 @@ struct XmlElement {
         return out;
     }
     // The DUMP element with this No, or null.
-    const XmlElement* dump(int number) const
+    const XmlElement* dump(int number) const&
     {
         for (const XmlElement* d : all(QStringLiteral("DUMP")))
             if (d->attribute(QStringLiteral("No")) == QString::number(number))

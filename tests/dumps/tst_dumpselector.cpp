@@ -184,7 +184,8 @@ private Q_SLOTS:
         QTest::mouseClick(host->button("Command1"), Qt::LeftButton);
         // Had the rule not been stored yet, this would create NAME without No.
         host->setRuleTextNumber(1, u"name"_s, 7);
-        const XmlElement* name = host->document().dump(1)->child(u"NAME"_s);
+        const XmlElement doc = host->document();
+        const XmlElement* name = doc.dump(1)->child(u"NAME"_s);
         QVERIFY(name);
         QCOMPARE(name->attribute(u"No"_s), u"2"_s);
         QCOMPARE(name->attribute(u"TEXT"_s), u"7"_s);
@@ -351,7 +352,8 @@ private Q_SLOTS:
         QCOMPARE(host->rule(2), u"built(srcbb002.city)"_s);
         QCOMPARE(host->control->property("FieldMapping").toString(), u"2"_s);
         QVERIFY(host->button("CmdFuncBuild")->isEnabled());
-        QCOMPARE(host->document().dump(1)->child(u"CITY"_s)->text, u"built(srcbb002.city)"_s);
+        const XmlElement doc = host->document();
+        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"built(srcbb002.city)"_s);
     }
 
     void functionBuilderWithoutDumpRaisesNothing()

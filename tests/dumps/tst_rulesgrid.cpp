@@ -1,0 +1,447 @@
+// The rules grid and its overlay box: starting an edit by typing, Enter,
+// Space and double click, committing by leaving the cell (and the dump
+// element following at once), Escape, rules of two lines, clearing a rule,
+// Tab, the overlay's place and size, and the host's GridEdit, GetRowNumber
+// and FieldMapping.
+
+#include "DumpsHarness.h"
+
+using namespace dumpstest;
+
+namespace {
+const QStringList kFirstDumpRules{u"srcaa001.custno"_s, {}, u"srcbb002.city"_s, {}, {}, {}, {}, {}, {},
+                                  u"srcaa001.zip"_s};
+}
+
+class RulesGridTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<Host> host;
+
+    bool showRules()
+    {
+        if (!host->open(QStringLiteral("rules001"), rulesDocument()))
+            return false;
+        host->enterDefineDumps();
+        return host->grid()->model()->rowCount() == 10 && host->rules() == kFirstDumpRules;
+    }
+
+    // A person clicks a cell and types: the first key opens the overlay,
+    // the rest goes into it.
+    void typeOver(int row, int column, const QString& text)
+    {
+        Host::clickCell(host->grid(), row, column);
+        QTest::keyClick(host->grid(), text.at(0).toLatin1());
+        if (text.size() > 1)
+            QTest::keyClicks(host->overlay(), text.mid(1));
+    }
+
+    int gridRow() const { return host->grid()->currentIndex().row(); }
+    int gridColumn() const { return host->grid()->currentIndex().column(); }
+    QString overlayText() const { return host->overlay()->property("plainText").toString(); }
+
+private Q_SLOTS:
+    void initTestCase() { installMessageFilter(); }
+    void init() { host = std::make_unique<Host>(); }
+    void cleanup()
+    {
+        QCOMPARE(host->modals.unexpected(), 0);
+        host.reset();
+    }
+
+    void oneRowPerTargetField()
+    {
+        QVERIFY(showRules());
+        QCOMPARE(host->grid()->model()->columnCount(), 2);
+        QCOMPARE(Host::column(host->grid(), 0),
+                 (QStringList{u"rules001.custno"_s, u"rules001.name"_s, u"rules001.city"_s, u"rules001.born"_s,
+                              u"rules001.stamp"_s, u"rules001.note(1)"_s, u"rules001.note(2)"_s,
+                              u"rules001.remark"_s, u"rules001.lang"_s, u"rules001.zip"_s}));
+        QVERIFY(!host->overlay()->isVisible());
+    }
+
+    void startingAnEdit_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QString>("overlay");
+        // Row 2 holds the rule "srcbb002.city".
+        QTest::newRow("a letter typed over the rule starts a new rule with it")
+            << 1 << QStringLiteral("key q") << QStringLiteral("q");
+        QTest::newRow("a letter typed over the field name starts the rule")
+            << 0 << QStringLiteral("key q") << QStringLiteral("q");
+        QTest::newRow("a digit typed over the rule") << 1 << QStringLiteral("key 7") << QStringLiteral("7");
+        QTest::newRow("Enter opens the rule unchanged") << 1 << QStringLiteral("enter")
+                                                        << QStringLiteral("srcbb002.city");
+        QTest::newRow("Enter on the field name opens the rule")
+            << 0 << QStringLiteral("enter") << QStringLiteral("srcbb002.city");
+        QTest::newRow("Space opens the rule unchanged") << 1 << QStringLiteral("space")
+                                                        << QStringLiteral("srcbb002.city");
+        QTest::newRow("double click opens the rule unchanged")
+            << 1 << QStringLiteral("double click") << QStringLiteral("srcbb002.city");
+        QTest::newRow("double click on the field name opens the rule")
+            << 0 << QStringLiteral("double click") << QStringLiteral("srcbb002.city");
+    }
+    void startingAnEdit()
+    {
+        QFETCH(int, column);
+        QFETCH(QString, action);
+        QFETCH(QString, overlay);
+        QVERIFY(showRules());
+        QTableView* grid = host->grid();
+        if (action == u"double click") {
+            Host::doubleClickCell(grid, 2, column);
+        } else {
+            Host::clickCell(grid, 2, column);
+            QCOMPARE(gridColumn(), column);
+            if (action == u"enter")
+                QTest::keyClick(grid, Qt::Key_Return);
+            else if (action == u"space")
+                QTest::keyClick(grid, Qt::Key_Space);
+            else
+                QTest::keyClick(grid, action.back().toLatin1());
+        }
+        QVERIFY(host->overlay()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), host->overlay());
+        QCOMPARE(overlayText(), overlay);
+        QCOMPARE(gridRow(), 2);
+        QCOMPARE(gridColumn(), 1);
+        // Nothing is written before the edit is committed.
+        QCOMPARE(host->rule(2), u"srcbb002.city"_s);
+        QCOMPARE(Host::cell(grid, 2, 0), u"rules001.city"_s);
+    }
+
+    void editStartedOnTheFieldNameWritesTheRule()
+    {
+        QVERIFY(showRules());
+        typeOver(1, 0, u"abc"_s);
+        Host::clickCell(host->grid(), 5, 1);
+        QVERIFY(!host->overlay()->isVisible());
+        QCOMPARE(Host::cell(host->grid(), 1, 0), u"rules001.name"_s);
+        QCOMPARE(host->rule(1), u"abc"_s);
+    }
+
+    // Leaving an edited cell writes the rule element into the dump at once.
+    void leavingTheCellStoresTheDump()
+    {
+        QVERIFY(showRules());
+        typeOver(1, 1, u"left(srcaa001.name, 10)"_s);
+        Host::clickCell(host->grid(), 5, 1);
+        QCOMPARE(host->rule(1), u"left(srcaa001.name, 10)"_s);
+        // Had NAME not been written yet, this would create it without No.
+        host->setRuleTextNumber(1, u"name"_s, 41);
+        XmlElement doc = host->document();
+        const XmlElement* name = doc.dump(1)->child(u"NAME"_s);
+        QVERIFY(name);
+        QCOMPARE(name->attribute(u"No"_s), u"2"_s);
+        QCOMPARE(name->attribute(u"TYPE"_s), u"0"_s);
+        QCOMPARE(name->text, u"left(srcaa001.name, 10)"_s);
+
+        // The element as the store creates it.
+        typeOver(3, 1, u"utc(srcaa001.born,0,2)"_s);
+        Host::clickCell(host->grid(), 6, 1);
+        doc = host->document();
+        const XmlElement* born = doc.dump(1)->child(u"BORN"_s);
+        QVERIFY(born);
+        QCOMPARE(born->attribute(u"No"_s), u"4"_s);
+        QCOMPARE(born->attribute(u"TYPE"_s), u"0"_s);
+        QVERIFY(born->hasAttribute(u"TEXT"_s));
+        QCOMPARE(born->attribute(u"TEXT"_s), QString());
+        QCOMPARE(born->text, u"utc(srcaa001.born,0,2)"_s);
+        // Rules of other fields are untouched.
+        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"srcbb002.city"_s);
+        QCOMPARE(doc.dump(2)->childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
+    }
+
+    void escapeLeavesTheCellAsItWas_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("typed over a rule") << 2 << QStringLiteral("z") << QStringLiteral("zz");
+        QTest::newRow("added to a rule opened with Enter") << 2 << QStringLiteral("enter") << QStringLiteral(" + 1");
+        QTest::newRow("typed over an empty cell") << 4 << QStringLiteral("z") << QStringLiteral("zz");
+    }
+    void escapeLeavesTheCellAsItWas()
+    {
+        QFETCH(int, row);
+        QFETCH(QString, start);
+        QFETCH(QString, typed);
+        QVERIFY(showRules());
+        const QString before = host->rule(row);
+        Host::clickCell(host->grid(), row, 1);
+        if (start == u"enter")
+            QTest::keyClick(host->grid(), Qt::Key_Return);
+        else
+            QTest::keyClick(host->grid(), start.at(0).toLatin1());
+        QTest::keyClicks(host->overlay(), typed);
+        QVERIFY(overlayText() != before);
+        QTest::keyClick(host->overlay(), Qt::Key_Escape);
+        QVERIFY(!host->overlay()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), host->grid());
+        QCOMPARE(host->rule(row), before);
+        // Leaving the cell afterwards writes nothing either.
+        Host::clickCell(host->grid(), 8, 1);
+        QCOMPARE(host->rule(row), before);
+        QCOMPARE(host->rules(), kFirstDumpRules);
+        const XmlElement doc = host->document();
+        QCOMPARE(doc.dump(1)->childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s, u"CITY"_s}));
+        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"srcbb002.city"_s);
+    }
+
+    void ruleOfTwoLines()
+    {
+        QVERIFY(showRules());
+        Host::clickCell(host->grid(), 7, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QTest::keyClicks(host->overlay(), u"if srcaa001.memo then"_s);
+        QTest::keyClick(host->overlay(), Qt::Key_Return);
+        QTest::keyClicks(host->overlay(), u"return 1"_s);
+        QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
+        Host::clickCell(host->grid(), 0, 1);
+        QCOMPARE(host->rule(7), u"if srcaa001.memo then\r\nreturn 1"_s);
+
+        const XmlElement doc = host->document();
+        const XmlElement* remark = doc.dump(1)->child(u"REMARK"_s);
+        QVERIFY(remark);
+        QCOMPARE(remark->attribute(u"TYPE"_s), u"1"_s);
+        QCOMPARE(remark->attribute(u"No"_s), u"8"_s);
+        QCOMPARE(remark->text, u"if srcaa001.memo then\nreturn 1"_s);
+
+        // Away to dump 2 and back: the rule shows as two lines again.
+        host->chooseDump(2);
+        QCOMPARE(host->rule(7), u"line one\r\nline two"_s);
+        host->chooseDump(1);
+        QCOMPARE(host->rule(7), u"if srcaa001.memo then\r\nreturn 1"_s);
+        Host::clickCell(host->grid(), 7, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
+    }
+
+    // A rule that loses its line break is stored with TYPE "0" again.
+    void ruleBackOnOneLine()
+    {
+        QVERIFY(showRules());
+        host->chooseDump(2);
+        Host::clickCell(host->grid(), 7, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QCOMPARE(overlayText(), u"line one\nline two"_s);
+        QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(host->overlay(), u"one line"_s);
+        Host::clickCell(host->grid(), 0, 1);
+        const XmlElement doc = host->document();
+        const XmlElement* remark = doc.dump(2)->child(u"REMARK"_s);
+        QVERIFY(remark);
+        QCOMPARE(remark->text, u"one line"_s);
+        QCOMPARE(remark->attribute(u"TYPE"_s), u"0"_s);
+    }
+
+    void clearingARuleRemovesItsElement()
+    {
+        QVERIFY(showRules());
+        Host::clickCell(host->grid(), 2, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(host->overlay(), Qt::Key_Delete);
+        QCOMPARE(overlayText(), QString());
+        Host::clickCell(host->grid(), 5, 1);
+        QCOMPARE(host->rule(2), QString());
+        const XmlElement doc = host->document();
+        QCOMPARE(doc.dump(1)->childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s}));
+    }
+
+    // Committing by moving the focus away moves on to the row below, but
+    // stays on the last row.
+    void committingMovesToTheRowBelow_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("after");
+        QTest::newRow("a middle row") << 4 << 5;
+        QTest::newRow("the first row") << 0 << 1;
+        QTest::newRow("the last row stays current") << 9 << 9;
+    }
+    void committingMovesToTheRowBelow()
+    {
+        QFETCH(int, row);
+        QFETCH(int, after);
+        QVERIFY(showRules());
+        typeOver(row, 1, u"w"_s);
+        Host::clickCell(host->sourceList(), 0, 2);
+        QCOMPARE(QApplication::focusWidget(), host->sourceList());
+        QVERIFY(!host->overlay()->isVisible());
+        QCOMPARE(host->rule(row), u"w"_s);
+        QCOMPARE(gridRow(), after);
+    }
+
+    void tabInTheGrid_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("after");
+        QTest::newRow("to the row below") << 3 << 1 << 4;
+        QTest::newRow("from the field name to the rule below") << 3 << 0 << 4;
+        QTest::newRow("the last row stays") << 9 << 1 << 9;
+    }
+    void tabInTheGrid()
+    {
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(int, after);
+        QVERIFY(showRules());
+        Host::clickCell(host->grid(), row, column);
+        QTest::keyClick(host->grid(), Qt::Key_Tab);
+        QCOMPARE(gridRow(), after);
+        QCOMPARE(gridColumn(), 1);
+        QCOMPARE(QApplication::focusWidget(), host->grid());
+        QVERIFY(!host->overlay()->isVisible());
+        QCOMPARE(host->rules(), kFirstDumpRules);
+    }
+
+    void tabInTheOverlayCommits()
+    {
+        QVERIFY(showRules());
+        typeOver(3, 1, u"x"_s);
+        QTest::keyClick(host->overlay(), Qt::Key_Tab);
+        QVERIFY(!host->overlay()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), host->grid());
+        QCOMPARE(host->rule(3), u"x"_s);
+        QVERIFY(gridRow() > 3);
+    }
+
+    // The overlay covers the current cell, 70 twips narrower than it, in the
+    // cell's font.
+    void overlayCoversTheCell_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::newRow("first row") << 0;
+        QTest::newRow("middle row") << 4;
+        QTest::newRow("last row") << 9;
+    }
+    void overlayCoversTheCell()
+    {
+        QFETCH(int, row);
+        QVERIFY(showRules());
+        QTableView* grid = host->grid();
+        Host::clickCell(grid, row, 1);
+        QTest::keyClick(grid, Qt::Key_Return);
+        QPlainTextEdit* overlay = host->overlay();
+        QVERIFY(overlay->isVisible());
+        const QRect cell = grid->visualRect(grid->currentIndex());
+        const QPoint cellTopLeft = grid->viewport()->mapToGlobal(cell.topLeft());
+        QCOMPARE(overlay->mapToGlobal(QPoint(0, 0)), cellTopLeft);
+        QCOMPARE(overlay->height(), cell.height());
+        const double narrower = 70.0 * grid->logicalDpiX() / 1440.0; // about 5 px at 96 DPI
+        const int difference = cell.width() - overlay->width();
+        QVERIFY2(qAbs(difference - narrower) < 1.0,
+                 qPrintable(QStringLiteral("cell %1 px, overlay %2 px").arg(cell.width()).arg(overlay->width())));
+        QCOMPARE(overlay->font().family(), grid->font().family());
+        QCOMPARE(overlay->font().pointSizeF(), grid->font().pointSizeF());
+    }
+
+    void gridEditFromTheHost_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("key");
+        QTest::newRow("code 32 on the rule") << 1 << 32;
+        QTest::newRow("code 13 on the rule") << 1 << 13;
+        QTest::newRow("code 0 on the rule") << 1 << 0;
+        QTest::newRow("code 32 on the field name") << 0 << 32;
+    }
+    void gridEditFromTheHost()
+    {
+        QFETCH(int, column);
+        QFETCH(int, key);
+        QVERIFY(showRules());
+        Host::clickCell(host->grid(), 9, column);
+        QVERIFY(QMetaObject::invokeMethod(host->control, "GridEdit", Q_ARG(short, short(key))));
+        QVERIFY(host->overlay()->isVisible());
+        QCOMPARE(QApplication::focusWidget(), host->overlay());
+        QCOMPARE(overlayText(), u"srcaa001.zip"_s);
+        QCOMPARE(gridRow(), 9);
+        QCOMPARE(gridColumn(), 1);
+        // The host's edit commits like a typed one.
+        QTest::keyClicks(host->overlay(), u"_2"_s);
+        Host::clickCell(host->grid(), 0, 1);
+        QCOMPARE(host->rule(9), u"srcaa001.zip_2"_s);
+        QCOMPARE(Host::cell(host->grid(), 9, 0), u"rules001.zip"_s);
+    }
+
+    void getRowNumber_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("row");
+        QTest::newRow("first row is 0") << QStringLiteral("rules001.custno") << 0;
+        QTest::newRow("qualified name") << QStringLiteral("rules001.city") << 2;
+        QTest::newRow("array element") << QStringLiteral("rules001.note(2)") << 6;
+        QTest::newRow("last row") << QStringLiteral("rules001.zip") << 9;
+        QTest::newRow("field part alone") << QStringLiteral("city") << -1;
+        QTest::newRow("upper case") << QStringLiteral("RULES001.CITY") << -1;
+        QTest::newRow("stored array form") << QStringLiteral("rules001.note__2") << -1;
+        QTest::newRow("a prefix of a name") << QStringLiteral("rules001.cit") << -1;
+        QTest::newRow("a rule text") << QStringLiteral("srcbb002.city") << -1;
+    }
+    void getRowNumber()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, row);
+        QVERIFY(showRules());
+        int result = -2;
+        QVERIFY(QMetaObject::invokeMethod(host->control, "GetRowNumber", Q_RETURN_ARG(int, result),
+                                          Q_ARG(QString, name)));
+        QCOMPARE(result, row);
+    }
+
+    void fieldMapping_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("rule");
+        QTest::newRow("first row") << 0 << 1 << QStringLiteral("f(srcaa001.custno)");
+        QTest::newRow("a row without a rule") << 4 << 1 << QStringLiteral("utc.utc(srcbb002.stamp)");
+        QTest::newRow("field name current: the rule cell takes it") << 6 << 0 << QStringLiteral("g()");
+        QTest::newRow("last row, two lines") << 9 << 1 << QStringLiteral("a\r\nb");
+    }
+    void fieldMapping()
+    {
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(QString, rule);
+        QVERIFY(showRules());
+        Host::clickCell(host->grid(), row, column);
+        QCOMPARE(host->control->property("FieldMapping").toString(), QString::number(row));
+        const QString name = Host::cell(host->grid(), row, 0);
+        host->control->setProperty("FieldMapping", rule);
+        QCOMPARE(host->rule(row), rule);
+        QCOMPARE(Host::cell(host->grid(), row, 0), name);
+        // Reading gives the row number, not the text assigned.
+        QCOMPARE(host->control->property("FieldMapping").toString(), QString::number(row));
+        for (int r = 0; r < 10; ++r)
+            if (r != row)
+                QCOMPARE(host->rule(r), kFirstDumpRules[r]);
+    }
+
+    // Entering a grid cell selects that field in the target list, wherever
+    // the list shows it.
+    void enteringACellSelectsTheTargetField()
+    {
+        QVERIFY(showRules());
+        QTreeView* list = host->targetList();
+        Host::clickHeader(list, 3);
+        Host::clickHeader(list, 3); // descending by name
+        QCOMPARE(Host::cell(list, 0, 3), u"rules001.zip"_s);
+
+        Host::clickCell(host->grid(), 4, 1);
+        QCOMPARE(Host::cell(list, list->currentIndex().row(), 3), u"rules001.stamp"_s);
+        QVERIFY(list->selectionModel()->isRowSelected(list->currentIndex().row(), QModelIndex()));
+
+        QTest::keyClick(host->grid(), Qt::Key_Down);
+        QCOMPARE(gridRow(), 5);
+        QCOMPARE(Host::cell(list, list->currentIndex().row(), 3), u"rules001.note(1)"_s);
+        QVERIFY(list->selectionModel()->isRowSelected(list->currentIndex().row(), QModelIndex()));
+        QVERIFY(!host->overlay()->isVisible());
+    }
+};
+
+QTEST_MAIN(RulesGridTest)
+#include "tst_rulesgrid.moc"
