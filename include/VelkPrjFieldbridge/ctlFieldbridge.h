@@ -23,7 +23,9 @@ class ctlFieldbridgePrivate;
 // last value assigned.
 class VELKPRJFIELDBRIDGE_EXPORT ctlFieldbridge : public QWidget {
     Q_OBJECT
-    Q_PROPERTY(QString MappingObjectXML READ MappingObjectXML WRITE setMappingObjectXML)
+    // Reading stores pending edits and writes the export file: not a property
+    // for a form designer to read or save.
+    Q_PROPERTY(QString MappingObjectXML READ MappingObjectXML WRITE setMappingObjectXML DESIGNABLE false STORED false)
     Q_PROPERTY(QString Editor READ Editor WRITE setEditor)
     Q_PROPERTY(QString TargetTable READ TargetTable WRITE setTargetTable)
     Q_PROPERTY(bool Edit READ Edit WRITE setEdit)
