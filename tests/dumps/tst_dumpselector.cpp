@@ -317,6 +317,38 @@ private Q_SLOTS:
         QCOMPARE(host->window.focusWidget(), host->cmbTargetTable());
     }
 
+    // Leaving "Define Dumps" stores the dump; without a chosen target table
+    // the message brings the user back to "Define Dumps", and the rules in
+    // the grid are still written.
+    void leavingTheTabWithoutTargetTableKeepsTheRules()
+    {
+        QVERIFY(showMultiTarget());
+        Host::clickCell(host->grid(), 7, 1); // SEQN, No 8: no rule in dump 1
+        assignFieldMapping(u"seqn.rule"_s);
+        host->cmbTargetTable()->setCurrentIndex(-1);
+        host->modals.expect(ModalAnswerer::press(QMessageBox::Ok));
+        host->enterMappingObject();
+        QTRY_COMPARE(host->modals.count(), 2);
+        QCOMPARE(host->modals.records().last().text,
+                 u"TargetTable for the Dump Not chosen. Please Choose One Now"_s);
+        QCOMPARE(host->find<QTabWidget>("MainTab")->currentIndex(), 1);
+        QCOMPARE(host->window.focusWidget(), host->cmbTargetTable());
+        // Had SEQN not been written, this would create it without No.
+        host->setRuleTextNumber(1, u"seqn"_s, 5);
+
+        QVERIFY(host->activate());
+        Host::pickInCombo(host->cmbTargetTable(), 0); // the user chooses one now
+        const XmlElement doc = host->document();
+        QCOMPARE(host->modals.count(), 2);
+        const XmlElement* seqn = doc.dump(1)->child(u"SEQN"_s);
+        QEXPECT_FAIL("", "switching back to Define Dumps runs the tab's entry steps, which reload the grid "
+                         "before the rules are written", Abort);
+        QVERIFY2(seqn, "the rule in the grid was lost");
+        QCOMPARE(seqn->attribute(u"No"_s), u"8"_s);
+        QCOMPARE(seqn->text, u"seqn.rule"_s);
+        QCOMPARE(doc.dump(1)->attribute(u"TT"_s), u"FGHIJ100"_s);
+    }
+
     // ---- the function builder ----------------------------------------------
 
     void functionBuilderGetsRuleAndSourceTables_data()

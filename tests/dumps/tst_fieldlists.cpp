@@ -118,6 +118,13 @@ private Q_SLOTS:
         QCOMPARE(shown, headers);
     }
 
+    void listFonts()
+    {
+        QVERIFY(showLists());
+        QCOMPARE(host->sourceList()->font().family(), u"Microsoft Sans Serif"_s);
+        QCOMPARE(host->targetList()->font().family(), u"MS Sans Serif"_s);
+    }
+
     void columnWidths_data()
     {
         QTest::addColumn<QString>("list");

@@ -78,6 +78,10 @@ private Q_SLOTS:
             << 0 << QStringLiteral("enter") << QStringLiteral("srcbb002.city");
         QTest::newRow("Space opens the rule unchanged") << 1 << QStringLiteral("space")
                                                         << QStringLiteral("srcbb002.city");
+        QTest::newRow("Escape opens the rule unchanged") << 1 << QStringLiteral("escape")
+                                                         << QStringLiteral("srcbb002.city");
+        QTest::newRow("Backspace opens the rule unchanged") << 1 << QStringLiteral("backspace")
+                                                            << QStringLiteral("srcbb002.city");
         QTest::newRow("double click opens the rule unchanged")
             << 1 << QStringLiteral("double click") << QStringLiteral("srcbb002.city");
         QTest::newRow("double click on the field name opens the rule")
@@ -99,6 +103,10 @@ private Q_SLOTS:
                 QTest::keyClick(grid, Qt::Key_Return);
             else if (action == u"space")
                 QTest::keyClick(grid, Qt::Key_Space);
+            else if (action == u"escape")
+                QTest::keyClick(grid, Qt::Key_Escape);
+            else if (action == u"backspace")
+                QTest::keyClick(grid, Qt::Key_Backspace);
             else
                 QTest::keyClick(grid, action.back().toLatin1());
         }
@@ -149,8 +157,9 @@ private Q_SLOTS:
         QVERIFY(born->hasAttribute(u"TEXT"_s));
         QCOMPARE(born->attribute(u"TEXT"_s), QString());
         QCOMPARE(born->text, u"utc(srcaa001.born,0,2)"_s);
-        // Rules of other fields are untouched.
+        // Rules of other fields are untouched; a single-target dump gets no TT.
         QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"srcbb002.city"_s);
+        QVERIFY(!doc.dump(1)->hasAttribute(u"TT"_s));
         QCOMPARE(doc.dump(2)->childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
     }
 
@@ -219,6 +228,27 @@ private Q_SLOTS:
         QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
     }
 
+    // A rule's text is decoded once more when it is shown: the characters
+    // "&lt;" typed into a rule come back as "<" after the dump is shown again.
+    void ruleTextIsDecodedWhenShown()
+    {
+        const QString dumps = QStringLiteral(R"(<DUMP No="1" TXT="First">
+<NAME No="2" TYPE="0" TEXT="">a &amp;lt; b &amp;amp;&amp;amp; c &gt; d</NAME>
+</DUMP><DUMP No="2" TXT="Second"/>)");
+        QVERIFY(host->open(QStringLiteral("rules001"), rulesDocument(dumps)));
+        host->enterDefineDumps();
+        QCOMPARE(host->rule(1), u"a < b && c > d"_s);
+
+        typeOver(2, 1, u"x &lt; y &amp; z"_s);
+        Host::clickCell(host->grid(), 0, 1);
+        QCOMPARE(host->rule(2), u"x &lt; y &amp; z"_s);
+        const XmlElement doc = host->document();
+        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"x &lt; y &amp; z"_s);
+        host->chooseDump(2);
+        host->chooseDump(1);
+        QCOMPARE(host->rule(2), u"x < y & z"_s);
+    }
+
     // A rule that loses its line break is stored with TYPE "0" again.
     void ruleBackOnOneLine()
     {
@@ -272,6 +302,47 @@ private Q_SLOTS:
         QVERIFY(!host->overlay()->isVisible());
         QCOMPARE(host->rule(row), u"w"_s);
         QCOMPARE(gridRow(), after);
+    }
+
+    // An edit still open when another dump is chosen goes into the dump it
+    // was typed in.
+    void openEditIsKeptWhenAnotherDumpIsChosen_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<QString>("element");
+        QTest::newRow("a middle row") << 1 << QStringLiteral("NAME");
+        QTest::newRow("the last row") << 9 << QStringLiteral("ZIP");
+    }
+    void openEditIsKeptWhenAnotherDumpIsChosen()
+    {
+        QFETCH(int, row);
+        QFETCH(QString, element);
+        QVERIFY(showRules());
+        typeOver(row, 1, u"pending"_s);
+        host->chooseDump(2);
+        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Second"_s);
+        QVERIFY(!host->overlay()->isVisible());
+        const XmlElement doc = host->document();
+        QCOMPARE(doc.dump(1)->child(element)->text, u"pending"_s);
+        QVERIFY(!doc.dump(2)->child(u"ZIP"_s));
+        QCOMPARE(doc.dump(2)->child(u"NAME"_s)->text, u"srcaa001.name"_s);
+        host->chooseDump(1);
+        QCOMPARE(host->rule(row), u"pending"_s);
+    }
+
+    // In read-only mode the overlay is locked: typing changes no rule.
+    void overlayIsLockedInReadOnlyMode()
+    {
+        QVERIFY(host->open(QStringLiteral("rules001"), rulesDocument(), false));
+        host->enterDefineDumps();
+        Host::clickCell(host->grid(), 2, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QVERIFY(host->overlay()->isVisible());
+        QVERIFY(host->overlay()->property("readOnly").toBool());
+        QTest::keyClicks(host->overlay(), u"abc"_s);
+        QCOMPARE(overlayText(), u"srcbb002.city"_s);
+        Host::clickCell(host->grid(), 5, 1);
+        QCOMPARE(host->rules(), kFirstDumpRules);
     }
 
     void tabInTheGrid_data()
