@@ -109,6 +109,20 @@ private Q_SLOTS:
         QCOMPARE(host->rule(24), u"\"legacy\""_s);
     }
 
+    // A dump is shown from the grid's first row.
+    void shownDumpStartsAtTheFirstRow()
+    {
+        QVERIFY(host->open(QStringLiteral("klmno001"), readSample(QStringLiteral("klmno001.xml"))));
+        host->enterDefineDumps();
+        QTableView* grid = host->grid();
+        Host::clickCell(grid, 24, 1);
+        QVERIFY(grid->rowAt(0) > 0);
+        host->chooseDump(2);
+        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Addresses"_s);
+        QCOMPARE(grid->rowAt(0), 0);
+        QCOMPARE(host->rule(18), u"uvwxy003.street"_s);
+    }
+
     void rulesArePlacedByFieldNumber()
     {
         QVERIFY(showRules());

@@ -358,6 +358,35 @@ private Q_SLOTS:
         QCOMPARE(result, number);
     }
 
+    // ShowControl fills the target list already, before "Define Dumps" is
+    // entered: with the root's table, or in a multi-target document with the
+    // table of the first referenced dump.
+    void showControlFillsTheTargetList_data()
+    {
+        QTest::addColumn<QString>("root");
+        QTest::addColumn<QString>("xml");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<QString>("last");
+        QTest::newRow("single target") << QStringLiteral("lists001") << listsDocument() << 11
+                                       << QStringLiteral("lists001.empty");
+        QTest::newRow("multi-target sample") << QStringLiteral("fghij100") << readSample(u"fghij100.xml"_s) << 23
+                                             << QStringLiteral("fghij100.origin");
+    }
+    void showControlFillsTheTargetList()
+    {
+        QFETCH(QString, root);
+        QFETCH(QString, xml);
+        QFETCH(int, rows);
+        QFETCH(QString, last);
+        QVERIFY(host->open(root, xml));
+        QCOMPARE(host->find<QTabWidget>("MainTab")->currentIndex(), 0);
+        QCOMPARE(host->targetList()->model()->rowCount(), rows);
+        int result = 0;
+        QVERIFY(QMetaObject::invokeMethod(host->control, "GetListItemNumber", Q_RETURN_ARG(int, result),
+                                          Q_ARG(QString, last)));
+        QCOMPARE(result, rows);
+    }
+
     // The number is the row as the list shows it now.
     void getListItemNumberFollowsTheShownOrder()
     {

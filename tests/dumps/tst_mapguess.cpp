@@ -373,6 +373,32 @@ private Q_SLOTS:
         QCOMPARE(host->rules(), (QStringList{rule, QString()}));
     }
 
+    // Field names are taken from the tenth character on, whatever the length
+    // of the table name: with the seven-letter target table short01 the
+    // field part of short01.name is "ame", which srcaa01.xame matches and
+    // srcaa001.name does not.
+    void guessTakesFieldNamesFromTheTenthCharacter()
+    {
+        const QString xml = QStringLiteral(R"(<multi001><SRCTBL>srcaa001,srcaa01</SRCTBL><PREC TEXT="">migrate srcaa001
+dump 1 Short
+end of precondition</PREC><DUMP No="1" TT="SHORT01" TXT="Short"/><MSCRIPT><SHORT01/></MSCRIPT>
+<TARTAB><SHORT01><NAME No="1" TYPE="S" LENG="30"/><CODE No="2" TYPE="S" LENG="30"/></SHORT01></TARTAB>
+<SRCTAB><SRCAA001><NAME No="1" TYPE="S" LENG="30"/></SRCAA001><SRCAA01><XAME No="1" TYPE="S" LENG="30"/></SRCAA01></SRCTAB>
+</multi001>)");
+        QVERIFY(show(QStringLiteral("multi001"), xml));
+        QCOMPARE(Host::column(host->grid(), 0), (QStringList{u"short01.name"_s, u"short01.code"_s}));
+        QCOMPARE(Host::column(host->sourceList(), 2), (QStringList{u"srcaa001.name"_s, u"srcaa01.xame"_s}));
+        clickGuess();
+        QCOMPARE(host->modals.count(), 0);
+        QCOMPARE(host->rules(), (QStringList{u"srcaa01.xame"_s, QString()}));
+
+        // Ma&p names the grid row the same way.
+        selectTarget(u"short01.code"_s);
+        Host::clickCheckBox(host->sourceList(), 0);
+        clickMap();
+        QCOMPARE(host->rules(), (QStringList{u"srcaa01.xame"_s, u"srcaa001.name"_s}));
+    }
+
     // Every element of an array target field takes a plain source field of
     // the array's name; a source field of the element's own name matches
     // exactly, and the later of the two wins.
