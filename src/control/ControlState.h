@@ -30,6 +30,9 @@ struct ControlState {
     bool edit = false;          // the edit flag (Edit)
     bool multiTarget = false;   // the document has an MSCRIPT section
     bool editorBusy = false;    // an external editor is open
+    // Switching tabs without the entry steps of the new tab (a store that
+    // sends the user back to "Define Dumps" must not reload the grid first).
+    bool quietTabSwitch = false;
     QString editorPath;         // Editor, as assigned
     QString targetTableAssigned;
     QString preConditionAssigned;

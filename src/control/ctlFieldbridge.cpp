@@ -137,20 +137,25 @@ void ctlFieldbridgePrivate::LayoutPanes()
 
 void ctlFieldbridgePrivate::TabChanged(int index)
 {
+    // A notice that arrives after the tab strip has already moved on (a store
+    // during the switch disabled "Define Dumps", and the strip went back to
+    // "Mapping Object" on its own) is stale: the current tab has been handled.
+    if (index != s.MainTab->currentIndex())
+        return;
     const int previous = previousTab;
     previousTab = index;
     if (index == 0) {
         s.dd->setEnabled(false);
         s.mo->setEnabled(true);
         s.dd->LBLTargetTableName->setEnabled(true);
-        if (!quietTabSwitch && previous == 1)
+        if (!s.quietTabSwitch && previous == 1)
             dumps.StoreDumpRules(dumps.SelectorTag());
         LayoutPanes();
         return;
     }
     s.dd->setEnabled(true);
     s.mo->setEnabled(false);
-    if (quietTabSwitch)
+    if (s.quietTabSwitch)
         return;
     scripts.StorePrecondition();
     if (!s.MainTab->isTabEnabled(1)) {

@@ -35,7 +35,6 @@ public:
     fb::QueryScripts scripts;
     fb::DumpRules dumps;
     int previousTab = 0;
-    bool quietTabSwitch = false;
 
 private:
     void focusChanged(QWidget* old, QWidget* now);

@@ -132,9 +132,9 @@ void DumpRules::StoreDumpRules(const QString& dumpNumber)
         if (table.isEmpty()) {
             s.ui.MsgBox(QStringLiteral("TargetTable for the Dump Not chosen. Please Choose One Now"),
                         MsgButtons::Ok, MsgIcon::Critical);
-            s.control->setProperty("fbQuietTabSwitch", true);
+            s.quietTabSwitch = true;
             s.MainTab->setCurrentIndex(1);
-            s.control->setProperty("fbQuietTabSwitch", false);
+            s.quietTabSwitch = false;
             s.dd->CmbTargetTable->setFocus(Qt::OtherFocusReason);
         } else {
             s.doc.SetNodeAttribute(dump, QStringLiteral("TT"), table);
@@ -390,7 +390,8 @@ void DumpRules::SelectGridRowOfField(const QString& fieldName)
         return;
     }
     const QModelIndex index = s.dd->rules->index(row, std::max(grid->currentIndex().column(), 0));
-    grid->scrollTo(index, QAbstractItemView::PositionAtTop);
+    if (!grid->viewport()->rect().contains(grid->visualRect(index)))
+        grid->scrollTo(index, QAbstractItemView::PositionAtTop);
     m_syncFieldList = false; // the list already shows this field
     grid->setCurrentIndex(index);
     m_syncFieldList = true;

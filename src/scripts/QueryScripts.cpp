@@ -88,10 +88,14 @@ void QueryScripts::RefreshSourceTableList()
     if (!s.doc.GetSourceTablesNode())
         s.doc.SetSourceTablesText(s.doc.GetSourceTablesText());
     if (model->rowCount() > 0) {
-        QStringList rows;
-        for (int r = 0; r < model->rowCount(); ++r)
-            rows.append(model->item(r)->text());
-        s.doc.SetSourceTablesText(rows.join(u','));
+        // Each row joins the text only once the text is no longer empty, so
+        // leading empty rows leave no separator behind.
+        QString text;
+        for (int r = 0; r < model->rowCount(); ++r) {
+            const QString row = model->item(r)->text();
+            text = text.isEmpty() ? row : text + u',' + row;
+        }
+        s.doc.SetSourceTablesText(text);
     }
     if (s.dd)
         s.dd->lstSourceFields->viewport()->update();
