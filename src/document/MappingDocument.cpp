@@ -152,28 +152,28 @@ bool passesMarkupChecks(QStringView t)
     while (i < n) {
         const QStringView rest = t.mid(i);
         if (t[i] == u'<') {
-            if (rest.startsWith(u"<!--")) {
-                const qsizetype end = t.indexOf(u"-->", i + 4);
+            // Comments, CDATA sections and instructions run to their end mark;
+            // only a comment has rules for its body.
+            struct Markup {
+                QStringView open;
+                QStringView close;
+            };
+            static constexpr Markup kMarkups[] = {{u"<!--", u"-->"}, {u"<![CDATA[", u"]]>"}, {u"<?", u"?>"}};
+            const Markup* markup = nullptr;
+            for (const Markup& m : kMarkups)
+                if (rest.startsWith(m.open)) {
+                    markup = &m;
+                    break;
+                }
+            if (markup) {
+                const qsizetype bodyStart = i + markup->open.size();
+                const qsizetype end = t.indexOf(markup->close, bodyStart);
                 if (end < 0)
                     return false;
-                const QStringView body = t.mid(i + 4, end - i - 4);
-                if (body.contains(u"--") || body.endsWith(u'-'))
+                const QStringView body = t.mid(bodyStart, end - bodyStart);
+                if (markup == &kMarkups[0] && (body.contains(u"--") || body.endsWith(u'-')))
                     return false;
-                i = end + 3;
-                continue;
-            }
-            if (rest.startsWith(u"<![CDATA[")) {
-                const qsizetype end = t.indexOf(u"]]>", i + 9);
-                if (end < 0)
-                    return false;
-                i = end + 3;
-                continue;
-            }
-            if (rest.startsWith(u"<?")) {
-                const qsizetype end = t.indexOf(u"?>", i + 2);
-                if (end < 0)
-                    return false;
-                i = end + 2;
+                i = end + markup->close.size();
                 continue;
             }
             if (rest.startsWith(u"<!")) {
