@@ -60,6 +60,7 @@ private Q_SLOTS:
     void missingSectionsCreated_data();
     void missingSectionsCreated();
     void functionsWhileVariablesOpenDropsTheVariables();
+    void dumpsReferencedByFunctionsNotVariables();
     void saveDoneEvents_data();
     void saveDoneEvents();
 };
@@ -246,6 +247,28 @@ void FunctionsVariablesTest::functionsWhileVariablesOpenDropsTheVariables()
     const XmlElement root = host.read();
     QCOMPARE(root.child(QStringLiteral("VAR")).text, kStoredVariables);
     QCOMPARE(lf(root.child(QStringLiteral("FUNCTIONS")).text), kStoredFunctions);
+}
+
+// The functions are among the scripts whose "dump" references keep a DUMP;
+// the variables are not.
+void FunctionsVariablesTest::dumpsReferencedByFunctionsNotVariables()
+{
+    Host host;
+    BoxAnswerer boxes;
+    QVERIFY(host.show(document(), true));
+    host.click(QStringLiteral("CmdFunction"));
+    host.replaceText(QStringLiteral("txtFunctions"), QStringLiteral("function f()\n{\n\tdump 8 Helpers\n}"));
+    host.click(QStringLiteral("CmdOk"));
+    host.click(QStringLiteral("CmdVariables"));
+    host.replaceText(QStringLiteral("txtVariables"), QStringLiteral("dump 9 Variables"));
+    host.click(QStringLiteral("CmdOk"));
+
+    const XmlElement root = host.read();
+    QCOMPARE(root.child(QStringLiteral("VAR")).text, QStringLiteral("dump 9 Variables"));
+    const QList<XmlElement> dumps = root.all(QStringLiteral("DUMP"));
+    QCOMPARE(dumps.size(), 1);
+    QCOMPARE(dumps.first().attribute(QStringLiteral("No")), QStringLiteral("8"));
+    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
 }
 
 // SaveDoneDisabled when an editor opens, SaveDoneEnabled when it closes with

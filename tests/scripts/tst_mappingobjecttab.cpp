@@ -101,8 +101,8 @@ void MappingObjectTabTest::tabKeys()
 // A person's session on the sample: two source tables removed, a precondition
 // naming them written (each store adds one, "Define Dumps" becomes available
 // once both are there), a main query written for each, dumps referenced from
-// them, functions kept with OK and a variables edit dropped with Cancel; the
-// host then reads everything back.
+// them and from the functions, which are kept with OK, and a variables edit
+// dropped with Cancel; the host then reads everything back.
 void MappingObjectTabTest::sessionOnTheSample()
 {
     const QString sample = readExample(QStringLiteral("klmno001.xml"));
@@ -170,7 +170,8 @@ void MappingObjectTabTest::sessionOnTheSample()
     QCOMPARE(host.text(QStringLiteral("txtMainQuery")), addresses);
 
     // Functions edited and kept with OK.
-    const QString functions = QStringLiteral("function extern long one()\n{\n\treturn 1\n}");
+    const QString functions =
+        QStringLiteral("function extern long one()\n{\n\tdump 6 Helpers\n\treturn 1\n}");
     host.click(QStringLiteral("CmdFunction"));
     QCOMPARE(saveDisabled.count(), 1);
     host.replaceText(QStringLiteral("txtFunctions"), functions);
@@ -216,7 +217,8 @@ void MappingObjectTabTest::sessionOnTheSample()
     for (const XmlElement& d : root.all(QStringLiteral("DUMP")))
         dumps.append(d.attribute(QStringLiteral("No")));
     dumps.sort();
-    QCOMPARE(dumps, (QStringList{QStringLiteral("1"), QStringLiteral("4"), QStringLiteral("5")}));
+    QCOMPARE(dumps, (QStringList{QStringLiteral("1"), QStringLiteral("4"), QStringLiteral("5"),
+                                 QStringLiteral("6")}));
     // Dump 1 is still referenced and keeps its rules.
     QCOMPARE(root.child(QStringLiteral("DUMP"), QStringLiteral("No"), QStringLiteral("1"))
                  .child(QStringLiteral("CUSTNO"))
