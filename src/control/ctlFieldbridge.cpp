@@ -293,8 +293,8 @@ bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
             return true;
         if (type == QEvent::KeyPress && watched == s.dd->txtgrdline && dumps.OverlayKeyDown(key->key()))
             return true;
-        if (type == QEvent::KeyPress && watched == s.mo->lstSourceTables && key->key() == Qt::Key_Delete &&
-            key->modifiers() == Qt::NoModifier) {
+        // The Delete key decides, whatever modifier is held.
+        if (type == QEvent::KeyPress && watched == s.mo->lstSourceTables && key->key() == Qt::Key_Delete) {
             if (s.edit)
                 scripts.DeleteSelectedSourceTable();
             return true;

@@ -124,8 +124,10 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
     setBraceMatching(SloppyBraceMatch);
     setCaretLineVisible(true);
     setCaretLineBackgroundColor(QColor(0xf3, 0xf6, 0xfb));
+    // Words of the text are offered on Ctrl+Space only: a list that pops up
+    // by itself would take Return and Tab from someone typing.
     setAutoCompletionSource(AcsDocument);
-    setAutoCompletionThreshold(3);
+    setAutoCompletionThreshold(0);
 }
 
 void ScriptEditor::setPlainText(const QString& text)
@@ -140,13 +142,32 @@ void ScriptEditor::setPlainText(const QString& text)
         setReadOnly(true);
 }
 
-void ScriptEditor::keyPressEvent(QKeyEvent* event)
+bool ScriptEditor::handleModifiedTab(QKeyEvent* event)
 {
     const Qt::KeyboardModifiers mods =
         event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
-    if ((event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) && mods != Qt::NoModifier) {
-        event->accept();
-        Q_EMIT tabWithModifiers(mods);
+    if ((event->key() != Qt::Key_Tab && event->key() != Qt::Key_Backtab) || mods == Qt::NoModifier)
+        return false;
+    event->accept();
+    Q_EMIT tabWithModifiers(mods);
+    return true;
+}
+
+bool ScriptEditor::event(QEvent* event)
+{
+    // Before the widget's own focus navigation, which would take Shift+Tab
+    // from a locked editor.
+    if (event->type() == QEvent::KeyPress && handleModifiedTab(static_cast<QKeyEvent*>(event)))
+        return true;
+    return QsciScintilla::event(event);
+}
+
+void ScriptEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (handleModifiedTab(event))
+        return;
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::ControlModifier) {
+        autoCompleteFromAll(); // completion is offered on request only
         return;
     }
     QsciScintilla::keyPressEvent(event);

@@ -23,7 +23,12 @@ Q_SIGNALS:
     void tabWithModifiers(Qt::KeyboardModifiers modifiers);
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    // Tab with a modifier: swallowed and reported; true when it was one.
+    bool handleModifiedTab(QKeyEvent* event);
 };
 
 } // namespace fb
