@@ -18,7 +18,8 @@ public:
 
     MsgAnswer MsgBox(const QString& prompt, MsgButtons buttons, MsgIcon icon,
                      const QString& title = QString()) override;
-    QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
+    QString InputBox(const QString& prompt, const QString& title,
+                     const QString& defaultText = QString()) override;
     void FocusPreconditionEditor() override;
     void MigrateTablesChanged() override;
 

@@ -347,6 +347,14 @@ QList<Node> Node::childElements() const
     return out;
 }
 
+QList<Node> Node::childNodes() const
+{
+    QList<Node> out;
+    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling())
+        out.append(Node(c.internal_object()));
+    return out;
+}
+
 // ---------------------------------------------------------------------------
 // MappingDocument
 

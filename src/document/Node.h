@@ -39,6 +39,8 @@ public:
     // The first child element with exactly this name (case-sensitive).
     Node childElement(const QString& name) const;
     QList<Node> childElements() const;
+    // Every child node, whatever its kind, in document order.
+    QList<Node> childNodes() const;
 
     friend bool operator==(const Node& a, const Node& b) { return a.m_node == b.m_node; }
 

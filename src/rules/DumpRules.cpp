@@ -9,6 +9,7 @@
 #include "forms/FrmTxtDoc.h"
 #include "rules/core/RuleGuess.h"
 #include "control/Twips.h"
+#include "scripts/ExternalEditor.h"
 #include "scripts/MappingObjectPage.h"
 
 #include <QComboBox>
@@ -38,6 +39,10 @@ void DumpRules::Connect()
     QObject::connect(dd->CmdMap, &QPushButton::clicked, dd, [this] { Map(); });
     QObject::connect(dd->CmdGuess, &QPushButton::clicked, dd, [this] { Guess(); });
     QObject::connect(dd->CmdFuncBuild, &QPushButton::clicked, dd, [this] { FuncBuild(); });
+    QObject::connect(dd->CmdCopyDump, &QPushButton::clicked, dd, [this] { CopyDump(); });
+    QObject::connect(dd->CmdChange, &QPushButton::clicked, dd, [this] { ChangeTargetTable(); });
+    QObject::connect(dd->CmdDumpText, &QPushButton::clicked, dd, [this] { DumpText(); });
+    QObject::connect(dd->CmdEditRule, &QPushButton::clicked, dd, [this] { EditRule(); });
     QObject::connect(dd->RulesGrid, &QTableView::doubleClicked, dd, [this] { GridDoubleClicked(); });
     QObject::connect(dd->RulesGrid->selectionModel(), &QItemSelectionModel::currentChanged, dd,
                      [this](const QModelIndex& c, const QModelIndex& p) { GridCurrentChanged(c, p); });
@@ -237,13 +242,18 @@ void DumpRules::RefreshTargetFields()
     SelectDumpTargetTable(vb::ToInteger(m_tag).value_or(0));
 }
 
-void DumpRules::BindDumpToTable(const Node& dump, const QString& table)
+QString DumpRules::TableListOfSelector() const
 {
-    if (!dump)
-        return;
-    s.doc.SetNodeAttribute(dump, QStringLiteral("TT"), table);
+    QString list;
+    for (int t = 0; t < s.dd->CmbTargetTable->count(); ++t)
+        list += s.dd->CmbTargetTable->itemText(t) + u';';
+    return list;
+}
+
+void DumpRules::AddDefaultRule(const Node& dump, const QString& table)
+{
     const Node first = s.doc.GetTargetTableDefinition(table).firstChildElement();
-    if (!first)
+    if (!dump || !first)
         return;
     // The rule carries its field's No, so that the grid can place it.
     const Node rule =
@@ -251,6 +261,14 @@ void DumpRules::BindDumpToTable(const Node& dump, const QString& table)
     s.doc.SetNodeAttribute(rule, QStringLiteral("TEXT"), QString());
     s.doc.SetText(rule, QStringLiteral("default()"));
     s.doc.SetNodeAttribute(rule, QStringLiteral("TYPE"), QStringLiteral("0"));
+}
+
+void DumpRules::BindDumpToTable(const Node& dump, const QString& table)
+{
+    if (!dump)
+        return;
+    s.doc.SetNodeAttribute(dump, QStringLiteral("TT"), table);
+    AddDefaultRule(dump, table);
 }
 
 void DumpRules::BindUnboundDumps()
@@ -263,16 +281,13 @@ void DumpRules::BindUnboundDumps()
         const Node dump = s.doc.GetDumpNode(number);
         if (!dump || !dump.attribute(QStringLiteral("TT")).isEmpty())
             continue;
-        QString list;
-        for (int t = 0; t < s.dd->CmbTargetTable->count(); ++t)
-            list += s.dd->CmbTargetTable->itemText(t) + u';';
         s.module.DocTextMode = false;
-        s.module.TableList = list;
+        s.module.TableList = TableListOfSelector();
         s.module.ChosenTable = s.dd->CmbTargetTable->count() > 0 ? s.dd->CmbTargetTable->itemText(0) : QString();
         s.module.DialogDumpNumber = number;
         FrmTxtDoc dialog(s.module, s.control);
         dialog.exec();
-        BindDumpToTable(dump, s.module.ChosenTable);
+        BindDumpToTable(dump, s.module.ChosenTable); // a cancelled dialog binds the first table
     }
 }
 
@@ -617,6 +632,183 @@ void DumpRules::FuncBuild()
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
     const QString rule = current.isValid() ? s.dd->rules->text(current.row(), 1) : QString();
     Q_EMIT s.control->ShowFunctionBuilderPopUp(rule, s.doc.GetSourceTablesText());
+}
+
+} // namespace fb
+
+namespace fb {
+
+// ---- copying, rebinding and documenting dumps ---------------------------
+
+void DumpRules::CopyDump()
+{
+    const qint16 target = SelectedDumpNumber();
+    const QString answer = s.ui.InputBox(QStringLiteral("Please enter the dump number to be copied from: "),
+                                         QStringLiteral("Copying rules to dump : ") + QString::number(target));
+    if (answer.isEmpty())
+        return;
+    // A number that is not a 16-bit whole number is as invalid as a word.
+    const auto source = vb::ToInteger(answer);
+    if (!vb::IsNumeric(answer) || !source) {
+        s.ui.MsgBox(QStringLiteral("Invalid Dump Number!"), MsgButtons::Ok, MsgIcon::Critical,
+                    QStringLiteral("Copying Dumps"));
+        return;
+    }
+    const Node from = s.doc.GetDumpNode(*source);
+    if (!from) {
+        s.ui.MsgBox(QStringLiteral("The entered dump number does not exists. "), MsgButtons::Ok,
+                    MsgIcon::Exclamation, QStringLiteral("Copy Dumps"));
+        return;
+    }
+    const QString sourceTable = from.attribute(QStringLiteral("TT"));
+    Node to = s.doc.GetDumpNode(target);
+    if (!to) {
+        to = s.doc.CreateDumpNode(target);
+        s.doc.SetNodeAttribute(to, QStringLiteral("TT"), sourceTable);
+    }
+    QString targetTable = to.attribute(QStringLiteral("TT"));
+    if (targetTable.isEmpty()) {
+        s.doc.SetNodeAttribute(to, QStringLiteral("TT"), sourceTable);
+        targetTable = sourceTable;
+    }
+    if (targetTable.toUpper() != sourceTable.toUpper()) {
+        s.ui.MsgBox(QStringLiteral("Dump ") + answer + QStringLiteral("  is associated with table: ") + sourceTable +
+                        QStringLiteral(". So it is not possible to copy rules."),
+                    MsgButtons::Ok, MsgIcon::Exclamation, QStringLiteral("Copying Dumps "));
+        return;
+    }
+    if (!from.hasChildNodes()) {
+        s.ui.MsgBox(QStringLiteral("No rules found for dump ") + answer, MsgButtons::Ok, MsgIcon::Exclamation,
+                    QStringLiteral("Copying Dumps .."));
+        return;
+    }
+    const QString confirm = QStringLiteral("Press 'OK' To Copy Dump ") + vb::SignPadded(*source) +
+                            QStringLiteral(" To Dump : ") + vb::SignPadded(target);
+    if (s.ui.MsgBox(confirm, MsgButtons::OkCancel, MsgIcon::Information, QStringLiteral("Copy Dumps")) !=
+        MsgAnswer::Ok)
+        return;
+    s.doc.RemoveChildNodes(to);
+    int copied = 0;
+    for (const Node& child : from.childNodes()) { // none left when a dump is copied onto itself
+        s.doc.AppendCopy(to, child);
+        ++copied;
+    }
+    ShowDump(target);
+    if (copied > 0)
+        s.ui.MsgBox(QStringLiteral("Copying Of Dump: '") + answer + QStringLiteral("' To Dump '") +
+                        QString::number(target) + QStringLiteral("'  Was  Successful!!"),
+                    MsgButtons::Ok, MsgIcon::Information, QStringLiteral("Copy Dumps"));
+    else
+        s.ui.MsgBox(QStringLiteral("Source Dump Not Maintained "), MsgButtons::Ok, MsgIcon::Critical,
+                    QStringLiteral("Copy Dumps"));
+}
+
+bool DumpRules::DumpHasRules(qint16 dump)
+{
+    for (const Node& child : s.doc.GetDumpNode(dump).childElements())
+        if (!child.text().isEmpty() || !child.attribute(QStringLiteral("TEXT")).isEmpty())
+            return true;
+    return false;
+}
+
+void DumpRules::ChangeTargetTable()
+{
+    const qint16 number = SelectedDumpNumber();
+    s.module.DocTextMode = false;
+    s.module.TableList = TableListOfSelector();
+    s.module.ChosenTable = s.dd->CmbTargetTable->currentText();
+    s.module.DialogDumpNumber = number;
+    {
+        FrmTxtDoc dialog(s.module, s.control);
+        dialog.exec();
+    }
+    const QString present = s.dd->LBLTargetTableName->text();
+    const QString chosen = s.module.ChosenTable;
+    if (present.toUpper() != chosen.toUpper()) {
+        if (DumpHasRules(number)) {
+            const QString n = vb::SignPadded(number);
+            const QString question = QStringLiteral("You are changing the association of dump") + n +
+                                     QStringLiteral(" from table : ") + present + QStringLiteral(" to ") + chosen +
+                                     QStringLiteral("\r\nYou lose the maintained rules of dump") + n +
+                                     QStringLiteral(" for target table ") + present +
+                                     QStringLiteral("\r\n Press 'Yes' to Proceed; 'No' to Cancel the Action");
+            if (s.ui.MsgBox(question, MsgButtons::YesNo, MsgIcon::Critical) != MsgAnswer::Yes)
+                return;
+        }
+        const Node dump = s.doc.GetDumpNode(number);
+        s.doc.SetNodeAttribute(dump, QStringLiteral("TT"), chosen);
+        s.doc.RemoveChildNodes(dump);
+        AddDefaultRule(dump, chosen);
+        s.dd->LBLTargetTableName->setText(chosen);
+        ShowDump(number);
+    }
+    RefreshTargetFields();
+}
+
+Node DumpRules::CurrentRuleElement(QString* fieldLabel)
+{
+    if (s.dd->CmbDump->currentText().isEmpty())
+        return Node();
+    const Node dump = s.doc.GetNode(s.doc.SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"),
+                                    QString::number(vb::ToInteger(m_tag).value_or(0)));
+    if (!dump)
+        return Node();
+    const QModelIndex current = s.dd->RulesGrid->currentIndex();
+    const QString label =
+        ToStoredFieldName(FieldPartOf(current.isValid() ? s.dd->rules->text(current.row(), 0) : QString()));
+    if (fieldLabel)
+        *fieldLabel = label;
+    if (label.isEmpty())
+        return Node();
+    return dump.childElement(ToStoredFieldName(label).toUpper());
+}
+
+bool DumpRules::FieldHasText()
+{
+    return !CurrentRuleElement(nullptr).attribute(QStringLiteral("TEXT")).isEmpty();
+}
+
+void DumpRules::DumpText()
+{
+    if (s.dd->CmbDump->currentText().isEmpty())
+        return;
+    if (!s.doc.GetNode(s.doc.SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"),
+                       QString::number(vb::ToInteger(m_tag).value_or(0))))
+        return;
+    s.module.DocTextMode = true;
+    QString label;
+    const Node rule = CurrentRuleElement(&label);
+    if (label.isEmpty())
+        return;
+    if (!rule) {
+        s.ui.MsgBox(QStringLiteral("You Can Maintain Text, only to fields having a rule "), MsgButtons::Ok,
+                    MsgIcon::Information);
+        return;
+    }
+    const QString stored = rule.attribute(QStringLiteral("TEXT"));
+    const QString working = stored.isEmpty() ? DocTextTemplate() : stored;
+    s.module.DocText = MappingDocument::UnescapeXmlText(working);
+    s.module.DocTitle = QStringLiteral("Text For Field : '") + label + QStringLiteral("'   Dump:") +
+                        QString::number(SelectedDumpNumber());
+    {
+        FrmTxtDoc dialog(s.module, s.control);
+        dialog.exec();
+    }
+    // The untouched template is no text at all, whatever its line breaks.
+    if (ToEditorText(s.module.DocText) == ToEditorText(DocTextTemplate()))
+        s.module.DocText.clear();
+    s.doc.SetNodeAttribute(rule, QStringLiteral("TEXT"), s.module.DocText);
+}
+
+void DumpRules::EditRule()
+{
+    const QModelIndex current = s.dd->RulesGrid->currentIndex();
+    s.dd->CmdEditRule->setEnabled(false);
+    QString text = current.isValid() ? s.dd->rules->text(current.row(), 1) : QString();
+    if (EditExternally(s, QStringLiteral("Rule.qbx"), text) && current.isValid())
+        s.dd->rules->setText(current.row(), 1, text); // reaches the dump when the grid is stored
+    s.dd->CmdEditRule->setEnabled(true);
+    s.dd->RulesGrid->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace fb

@@ -68,6 +68,12 @@ public:
     void Map();
     void Guess();
     void FuncBuild();
+    void CopyDump();
+    void ChangeTargetTable();
+    void DumpText();
+    void EditRule();
+    bool DumpHasRules(qint16 dump);
+    bool FieldHasText();
 
 private:
     void onDumpChosen(int index);
@@ -75,6 +81,12 @@ private:
     void onTargetFieldClicked(int row);
 
     int RowOfFieldPart(const QString& fieldName) const;
+    // The first field of the table gets the rule "default()".
+    void AddDefaultRule(const Node& dump, const QString& table);
+    QString TableListOfSelector() const;
+    // The rule element of the field in the grid's current row, with its
+    // stored name; no node when there is none.
+    Node CurrentRuleElement(QString* fieldLabel);
     void CommitOverlay(int row);
     void MoveToNextRow();
 

@@ -1,5 +1,6 @@
 #include "QueryScripts.h"
 
+#include "ExternalEditor.h"
 #include "MappingObjectPage.h"
 #include "ScriptEditor.h"
 #include "control/BoxText.h"
@@ -39,6 +40,9 @@ void QueryScripts::Connect()
     QObject::connect(mo->CmdVariables, &QPushButton::clicked, mo, [this] { onVariables(); });
     QObject::connect(mo->CmdOk, &QPushButton::clicked, mo, [this] { onOk(); });
     QObject::connect(mo->CmdCancel, &QPushButton::clicked, mo, [this] { onCancel(); });
+    QObject::connect(mo->CmdPreEditor, &QPushButton::clicked, mo, [this] { EditPreconditionExternally(); });
+    QObject::connect(mo->CmdMqEditor, &QPushButton::clicked, mo, [this] { EditMainQueryExternally(); });
+    QObject::connect(mo->CmdFuncEditor, &QPushButton::clicked, mo, [this] { EditFunctionsOrVariablesExternally(); });
     QObject::connect(mo->PicMQResize, &QAbstractButton::clicked, mo, [this] { ToggleMainQuerySize(); });
     QObject::connect(mo->PicPreResize, &QAbstractButton::clicked, mo, [this] { ToggleMainQuerySize(); });
     QObject::connect(mo->txtPreCondition, &ScriptEditor::tabWithModifiers, mo, [this](Qt::KeyboardModifiers m) {
@@ -348,6 +352,41 @@ void QueryScripts::onCancel()
     s.mo->txtPreCondition->setFocus(Qt::OtherFocusReason);
     if (s.edit)
         Q_EMIT s.control->SaveDoneEnabled();
+}
+
+// ---- external editor ------------------------------------------------------
+
+void QueryScripts::EditPreconditionExternally()
+{
+    s.mo->CmdPreEditor->setEnabled(false);
+    QString text = BoxText(s.mo->txtPreCondition);
+    if (EditExternally(s, QStringLiteral("Pre.qbx"), text)) {
+        SetBoxText(s.mo->txtPreCondition, text);
+        StorePrecondition();
+    }
+    s.mo->CmdPreEditor->setEnabled(true);
+    s.mo->txtPreCondition->setFocus(Qt::OtherFocusReason);
+}
+
+void QueryScripts::EditMainQueryExternally()
+{
+    s.mo->CmdMqEditor->setEnabled(false);
+    QString text = BoxText(s.mo->txtMainQuery);
+    if (EditExternally(s, QStringLiteral("MQ.qbx"), text))
+        SetBoxText(s.mo->txtMainQuery, text);
+    s.mo->CmdMqEditor->setEnabled(true);
+}
+
+void QueryScripts::EditFunctionsOrVariablesExternally()
+{
+    const bool functions = s.mo->lblPreCondition->text() == u"Functions";
+    ScriptEditor* box = functions ? s.mo->txtFunctions : s.mo->txtVariables;
+    s.mo->CmdFuncEditor->setEnabled(false);
+    QString text = BoxText(box);
+    if (EditExternally(s, functions ? QStringLiteral("func.qbx") : QStringLiteral("var.qbx"), text))
+        SetBoxText(box, text);
+    s.mo->CmdFuncEditor->setEnabled(true);
+    box->setFocus(Qt::OtherFocusReason);
 }
 
 // ---- splitter -------------------------------------------------------------

@@ -37,6 +37,11 @@ public:
     // ---- functions and variables ----
     void SwitchScriptView(bool showPrecondition, bool keepEdits);
 
+    // ---- the external editor ----
+    void EditPreconditionExternally();
+    void EditMainQueryExternally();
+    void EditFunctionsOrVariablesExternally();
+
     // ---- the splitter between precondition and main query ----
     void ToggleMainQuerySize();
 
