@@ -2,8 +2,9 @@
 // leaving it, the messages that storing raises, the layout at any size, and
 // the Alt shortcuts.
 
-#include "ControlHarness.h"
+#include "WidgetHarness.h"
 
+#include <QLabel>
 #include <QMap>
 #include <QSignalSpy>
 
@@ -17,16 +18,6 @@ double px(int twips, const QWidget* w)
     return twips * w->logicalDpiX() / 1440.0;
 }
 
-bool near(double actual, double expected)
-{
-    return qAbs(actual - expected) <= 1.0;
-}
-
-QString describeNear(const char* what, double actual, double expected)
-{
-    return QStringLiteral("%1: %2 px, expected %3 px").arg(QString::fromLatin1(what)).arg(actual).arg(expected);
-}
-
 // x of the widget's left edge in the coordinates of an ancestor.
 int leftIn(const QWidget* w, const QWidget* ancestor)
 {
@@ -38,53 +29,38 @@ QString checkLayout(const Host& host)
 {
     QStringList errors;
     const auto expectNear = [&errors](const char* what, double actual, double expected) {
-        if (!near(actual, expected))
-            errors.append(describeNear(what, actual, expected));
+        if (qAbs(actual - expected) > 1.0)
+            errors.append(u"%1: %2 px, expected %3 px"_s.arg(QString::fromLatin1(what)).arg(actual).arg(expected));
     };
-    ctlFieldbridge* ctl = host.ctl;
+    const ctlFieldbridge* ctl = host.ctl;
     QTabWidget* tabs = host.tabs();
     if (tabs->geometry() != QRect(0, 0, ctl->width(), ctl->height()))
-        errors.append(QStringLiteral("MainTab does not fill the control"));
+        errors.append(u"MainTab does not fill the control"_s);
 
     const bool mapping = tabs->currentIndex() == 0;
-    QWidget* frame = host.find(mapping ? QStringLiteral("FrmCondition") : QStringLiteral("FrmRules"));
+    QWidget* frame = host.find(mapping ? u"FrmCondition"_s : u"FrmRules"_s);
     expectNear("frame left in MainTab", leftIn(frame, tabs), px(45, ctl));
     expectNear("frame width", frame->width(), tabs->width() - px(95, ctl));
-
     if (mapping) {
-        QWidget* list = host.find(QStringLiteral("lstSourceTables"));
-        QWidget* pre = host.find(QStringLiteral("txtPreCondition"));
-        QWidget* mq = host.find(QStringLiteral("txtMainQuery"));
-        const int listRight = leftIn(list, frame) + list->width();
+        QWidget* list = host.find(u"lstSourceTables"_s);
+        QWidget* pre = host.find(u"txtPreCondition"_s);
+        QWidget* mq = host.find(u"txtMainQuery"_s);
         const int preLeft = leftIn(pre, frame);
-        expectNear("txtPreCondition left", preLeft, listRight + px(105, ctl));
+        expectNear("txtPreCondition left", preLeft, leftIn(list, frame) + list->width() + px(105, ctl));
         expectNear("txtPreCondition right", preLeft + pre->width(), frame->width() - px(120, ctl));
         expectNear("txtMainQuery left", leftIn(mq, frame), preLeft);
         expectNear("txtMainQuery width", mq->width(), pre->width());
     } else {
-        QWidget* source = host.find(QStringLiteral("lstSourceFields"));
-        QWidget* target = host.find(QStringLiteral("lstTargetFields"));
-        QWidget* details = host.find(QStringLiteral("Details"));
+        QWidget* source = host.find(u"lstSourceFields"_s);
+        QWidget* target = host.find(u"lstTargetFields"_s);
         const double half = (frame->width() - px(480, ctl)) / 2.0;
         expectNear("lstSourceFields width", source->width(), half);
         expectNear("lstTargetFields width", target->width(), half);
         expectNear("gap between the field lists",
                    leftIn(target, frame) - (leftIn(source, frame) + source->width()), px(240, ctl));
-        expectNear("Details left", leftIn(details, frame), px(120, ctl));
+        expectNear("Details left", leftIn(host.find(u"Details"_s), frame), px(120, ctl));
     }
-    return errors.join(QStringLiteral("; "));
-}
-
-// Types text into the focused editor; "\n" is the Return key.
-void typeLines(const QString& text)
-{
-    const QStringList parts = text.split(u'\n');
-    for (qsizetype i = 0; i < parts.size(); ++i) {
-        if (i > 0)
-            keyToFocus(Qt::Key_Return);
-        if (!parts[i].isEmpty())
-            QTest::keyClicks(QApplication::focusWidget(), parts[i]);
-    }
+    return errors.join(u"; "_s);
 }
 
 } // namespace
@@ -93,497 +69,368 @@ class InteractionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { installMessageFilter(); }
 
-    void typedPreconditionIsStoredOnLeaving_data();
-    void typedPreconditionIsStoredOnLeaving();
-    void storingThePreconditionWarnsOnce_data();
-    void storingThePreconditionWarnsOnce();
-
-    void layoutFollowsTheSize_data();
-    void layoutFollowsTheSize();
-    void extremeSizes();
-    void enlargingAndRestoringTheMainQueryTwice();
-
-    void altShortcutsOnMappingObject_data();
-    void altShortcutsOnMappingObject();
-    void altUOnMappingObjectLeavesTheDumpSelector();
-    void altShortcutsOnDefineDumps_data();
-    void altShortcutsOnDefineDumps();
-    void altPOnDefineDumpsPressesMap();
-    void altShortcutsWithTheMainQueryEnlarged_data();
-    void altShortcutsWithTheMainQueryEnlarged();
-};
-
-void InteractionTest::initTestCase()
-{
-    installMessageFilter();
-    QVERIFY2(!readSample(QStringLiteral("klmno001.xml")).isEmpty(), "FIELDBRIDGE_EXAMPLES");
-}
-
-// ---------------------------------------------------------------------------
-// Precondition
-
-void InteractionTest::typedPreconditionIsStoredOnLeaving_data()
-{
-    QTest::addColumn<QString>("typed"); // "\n" is the Return key
-    QTest::addColumn<QStringList>("migrateRows");
-    QTest::addColumn<QStringList>("queries"); // ST of the QUERY elements handed back
-    QTest::addColumn<QStringList>("dumps");   // No of the DUMP elements handed back
-    QTest::addColumn<QString>("sourceTables");
-    QTest::addColumn<bool>("defineDumpsEnabled");
-
-    const QString sources = QStringLiteral("pqrst002,uvwxy003,abcde004");
-    QTest::newRow("one migrate source")
-        << QStringLiteral("migrate pqrst002")
-        << QStringList{QStringLiteral("migrate pqrst002"), QString()} << QStringList{QStringLiteral("pqrst002")}
-        << QStringList{QStringLiteral("3")} << sources << true;
-    QTest::newRow("two lines, keyword in capitals")
-        << QStringLiteral("MIGRATE abcde004\nmigrate pqrst002")
-        << QStringList{QStringLiteral("migrate abcde004"), QString(), QStringLiteral("migrate pqrst002"), QString()}
-        << QStringList{QStringLiteral("pqrst002")} << QStringList{QStringLiteral("3")} << sources << true;
-    QTest::newRow("dump referenced by the precondition")
-        << QStringLiteral("migrate uvwxy003 dump 2 Addresses")
-        << QStringList{QStringLiteral("migrate uvwxy003"), QString()} << QStringList{QStringLiteral("uvwxy003")}
-        << QStringList{QStringLiteral("2")} << sources << true;
-    QTest::newRow("a new table becomes a source table")
-        << QStringLiteral("migrate zzzzz009")
-        << QStringList{QStringLiteral("migrate zzzzz009"), QString()} << QStringList{} << QStringList{}
-        << sources + QStringLiteral(",zzzzz009") << false;
-}
-
-void InteractionTest::typedPreconditionIsStoredOnLeaving()
-{
-    QFETCH(QString, typed);
-    QFETCH(QStringList, migrateRows);
-    QFETCH(QStringList, queries);
-    QFETCH(QStringList, dumps);
-    QFETCH(QString, sourceTables);
-    QFETCH(bool, defineDumpsEnabled);
-
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    QWidget* pre = host.find(QStringLiteral("txtPreCondition"));
-    auto* sourceList = host.find<QAbstractItemView>(QStringLiteral("lstSourceTables"));
-    auto* migrateList = host.find<QAbstractItemView>(QStringLiteral("lstMigrateSource"));
-
-    clickInto(pre);
-    QVERIFY2(isWithin(QApplication::focusWidget(), pre), qPrintable(focusName()));
-    keyToFocus(Qt::Key_A, Qt::ControlModifier); // select all, then type over it
-    typeLines(typed);
-    QCOMPARE(plainText(pre), typed);
-    // Nothing is stored while the editor keeps the focus.
-    QCOMPARE(migrateList->model()->rowCount(), 4);
-
-    clickInto(sourceList);
-    QVERIFY2(isWithin(QApplication::focusWidget(), sourceList), qPrintable(focusName()));
-
-    QCOMPARE(columnTexts(migrateList), migrateRows);
-    QCOMPARE(host.ctl->property("SourceTables").toString(), sourceTables);
-    QCOMPARE(columnTexts(sourceList), sourceTables.split(u','));
-    QCOMPARE(host.tabs()->isTabEnabled(1), defineDumpsEnabled);
-
-    const XmlElement root = parseXml(host.readXml());
-    QVERIFY(!root.isNull());
-    QCOMPARE(lines(root.first(QStringLiteral("PREC")).text), typed);
-    QStringList queryTables;
-    for (const XmlElement& q : root.all(QStringLiteral("QUERY")))
-        queryTables.append(q.attribute(QStringLiteral("ST")));
-    QCOMPARE(queryTables, queries);
-    QStringList dumpNumbers;
-    for (const XmlElement& d : root.all(QStringLiteral("DUMP")))
-        dumpNumbers.append(d.attribute(QStringLiteral("No")));
-    QCOMPARE(dumpNumbers, dumps);
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::storingThePreconditionWarnsOnce_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<bool>("focusBack");
-
-    QTest::newRow("name too short") << QStringLiteral("migrate KLM") << QStringLiteral("Table Name not Valid") << true;
-    QTest::newRow("digit among the first five")
-        << QStringLiteral("migrate 1LMNO001") << QStringLiteral("Invalid table name '1LMNO001'") << true;
-    QTest::newRow("letters among the last three")
-        << QStringLiteral("migrate KLMNOXYZ") << QStringLiteral("Invalid table name 'KLMNOXYZ'") << true;
-    QTest::newRow("keyword at the end")
-        << QStringLiteral("migrate") << QStringLiteral("Migrate Keyword Has to be followed by a TableName") << false;
-    QTest::newRow("keyword and one blank at the end")
-        << QStringLiteral("migrate ") << QStringLiteral("Migrate Keyword Has to be followed by a TableName") << false;
-}
-
-void InteractionTest::storingThePreconditionWarnsOnce()
-{
-    QFETCH(QString, typed);
-    QFETCH(QString, message);
-    QFETCH(bool, focusBack);
-
-    ModalAnswerer answerer;
-    answerer.expect(ModalAnswerer::press(QMessageBox::Ok));
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    QWidget* pre = host.find(QStringLiteral("txtPreCondition"));
-    auto* sourceList = host.find<QAbstractItemView>(QStringLiteral("lstSourceTables"));
-    auto* migrateList = host.find<QAbstractItemView>(QStringLiteral("lstMigrateSource"));
-
-    clickInto(pre);
-    QVERIFY2(isWithin(QApplication::focusWidget(), pre), qPrintable(focusName()));
-    keyToFocus(Qt::Key_A, Qt::ControlModifier);
-    typeLines(typed);
-    QCOMPARE(plainText(pre), typed);
-
-    clickInto(sourceList);
-    QTRY_COMPARE(answerer.count(), 1);
-    const ModalRecord box = answerer.records().first();
-    QCOMPARE(box.text, message);
-    QCOMPARE(box.icon, QMessageBox::Critical);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QTRY_VERIFY(!QApplication::activeModalWidget());
-
-    // The text was stored before it was checked: no migrate source is left.
-    QCOMPARE(migrateList->model()->rowCount(), 0);
-
-    if (focusBack)
-        QVERIFY2(isWithin(host.window->focusWidget(), pre),
-                 qPrintable(host.window->focusWidget() ? host.window->focusWidget()->objectName()
-                                                       : QStringLiteral("(none)")));
-    QVERIFY(host.activate());
-    if (focusBack)
-        QTRY_VERIFY2(isWithin(QApplication::focusWidget(), pre), qPrintable(focusName()));
-    QTest::qWait(100);
-    QVERIFY2(answerer.count() == 1, qPrintable(answerer.describe()));
-}
-
-// ---------------------------------------------------------------------------
-// Layout
-
-void InteractionTest::layoutFollowsTheSize_data()
-{
-    QTest::addColumn<QSize>("size");
-
-    QTest::newRow("as created") << QSize(960, 660);
-    QTest::newRow("wide") << QSize(1600, 1000);
-    QTest::newRow("narrow") << QSize(640, 480);
-    QTest::newRow("tall") << QSize(760, 1200);
-}
-
-void InteractionTest::layoutFollowsTheSize()
-{
-    QFETCH(QSize, size);
-
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    host.window->resize(size + QSize(40, 40));
-    QVERIFY(host.activate());
-
-    host.ctl->resize(size);
-    QCOMPARE(host.ctl->size(), size);
-    QString errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-
-    host.clickTab(1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-
-    // Resized while on the second tab, then back to the first.
-    host.ctl->resize(size + QSize(120, 80));
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-    host.clickTab(0);
-    QCOMPARE(host.tabs()->currentIndex(), 0);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::extremeSizes()
-{
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    const QSize normal(960, 660);
-    host.ctl->resize(normal);
-    QWidget* pre = host.find(QStringLiteral("txtPreCondition"));
-    QWidget* sourceFields = host.find(QStringLiteral("lstSourceFields"));
-    QWidget* targetFields = host.find(QStringLiteral("lstTargetFields"));
-    const int preWidth = pre->width();
-    QVERIFY(preWidth > 0);
-
-    // Far below the fixed margins: widths that would be negative are refused
-    // and the controls keep their previous ones.
-    host.ctl->resize(10, 10);
-    QCOMPARE(host.ctl->size(), QSize(10, 10));
-    QCOMPARE(pre->width(), preWidth);
-
-    host.ctl->resize(3000, 2000);
-    QString errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-
-    host.ctl->resize(normal);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-    QCOMPARE(pre->width(), preWidth);
-
-    // The same on the second tab.
-    host.clickTab(1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-    const int sourceWidth = sourceFields->width();
-    const int targetWidth = targetFields->width();
-    host.ctl->resize(10, 10);
-    QCOMPARE(sourceFields->width(), sourceWidth);
-    QCOMPARE(targetFields->width(), targetWidth);
-    host.ctl->resize(3000, 2000);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-    host.ctl->resize(normal);
-    errors = checkLayout(host);
-    QVERIFY2(errors.isEmpty(), qPrintable(errors));
-
-    // Still at work: tabs switch, the dump is shown, the document comes back.
-    host.clickTab(0);
-    QCOMPARE(host.tabs()->currentIndex(), 0);
-    host.clickTab(1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    QCOMPARE(host.find<QAbstractItemView>(QStringLiteral("RulesGrid"))->model()->rowCount(), 25);
-    const XmlElement root = parseXml(host.readXml());
-    QCOMPARE(root.name, QStringLiteral("klmno001"));
-    QCOMPARE(root.with(QStringLiteral("DUMP"), QStringLiteral("No"), QStringLiteral("1")).children.size(), 16);
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::enlargingAndRestoringTheMainQueryTwice()
-{
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    const QStringList names{QStringLiteral("txtPreCondition"), QStringLiteral("txtMainQuery"),
-                            QStringLiteral("PicMQResize"),     QStringLiteral("PicPreResize"),
-                            QStringLiteral("CmdBuildPre"),     QStringLiteral("CmdPreEditor"),
-                            QStringLiteral("CmdPreDoc"),       QStringLiteral("cmdBuildMQ"),
-                            QStringLiteral("CmdMqEditor"),     QStringLiteral("CmdMQDoc"),
-                            QStringLiteral("CmdOk"),           QStringLiteral("CmdCancel")};
-    QMap<QString, QRect> before;
-    for (const QString& n : names) {
-        QWidget* w = host.find(n);
-        QVERIFY2(w, qPrintable(n));
-        before.insert(n, w->geometry());
+    void typedPreconditionIsStoredOnLeaving_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QStringList>("migrateRows");
+        QTest::addColumn<QStringList>("queries"); // ST of the QUERY elements handed back
+        QTest::addColumn<QStringList>("dumps");   // No of the DUMP elements handed back
+        QTest::addColumn<QString>("sourceTables");
+        QTest::addColumn<bool>("defineDumpsEnabled");
+        const QString sources = u"pqrst002,uvwxy003,abcde004"_s;
+        QTest::newRow("one migrate source")
+            << u"migrate pqrst002"_s << QStringList{u"migrate pqrst002"_s, {}} << QStringList{u"pqrst002"_s}
+            << QStringList{u"3"_s} << sources << true;
+        QTest::newRow("two lines, keyword in capitals")
+            << u"MIGRATE abcde004\nmigrate pqrst002"_s
+            << QStringList{u"migrate abcde004"_s, {}, u"migrate pqrst002"_s, {}} << QStringList{u"pqrst002"_s}
+            << QStringList{u"3"_s} << sources << true;
+        QTest::newRow("dump referenced by the precondition")
+            << u"migrate uvwxy003 dump 2 Addresses"_s << QStringList{u"migrate uvwxy003"_s, {}}
+            << QStringList{u"uvwxy003"_s} << QStringList{u"2"_s} << sources << true;
+        QTest::newRow("a new table becomes a source table")
+            << u"migrate zzzzz009"_s << QStringList{u"migrate zzzzz009"_s, {}} << QStringList{} << QStringList{}
+            << sources + u",zzzzz009"_s << false;
     }
-    QWidget* pre = host.find(QStringLiteral("txtPreCondition"));
-    QWidget* mq = host.find(QStringLiteral("txtMainQuery"));
-    auto* picMQ = host.find<QAbstractButton>(QStringLiteral("PicMQResize"));
-    auto* picPre = host.find<QAbstractButton>(QStringLiteral("PicPreResize"));
-    auto* label = host.find<QLabel>(QStringLiteral("lblPreCondition"));
-    QVERIFY(picMQ && picPre && label);
-    QVERIFY(pre->isVisible());
-    QVERIFY(picPre->isVisible());
+    void typedPreconditionIsStoredOnLeaving()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QStringList, migrateRows);
+        QFETCH(QStringList, queries);
+        QFETCH(QStringList, dumps);
+        QFETCH(QString, sourceTables);
+        QFETCH(bool, defineDumpsEnabled);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.replaceText(u"txtPreCondition"_s, typed);
+        QCOMPARE(host.text(u"txtPreCondition"_s), typed);
+        // Nothing is stored while the editor keeps the focus.
+        QCOMPARE(host.rows(u"lstMigrateSource"_s).size(), 4);
 
-    for (int round = 1; round <= 2; ++round) {
-        QTest::mouseClick(picMQ, Qt::LeftButton);
-        // Enlarged: the main query takes the precondition's place.
-        QVERIFY(!pre->isVisible());
-        QVERIFY(!picPre->isVisible());
-        QVERIFY(!picPre->isEnabled());
-        QCOMPARE(mq->y(), before.value(QStringLiteral("txtPreCondition")).y());
-        QVERIFY(mq->height() > before.value(QStringLiteral("txtMainQuery")).height());
-        QVERIFY(mq->geometry().bottom() < before.value(QStringLiteral("CmdOk")).top());
-        QCOMPARE(picMQ->geometry(), before.value(QStringLiteral("PicPreResize")));
-        QCOMPARE(label->text(), QStringLiteral("Main Query"));
+        host.clickInto(u"lstSourceTables"_s);
+        QVERIFY2(host.focusIn(u"lstSourceTables"_s), qPrintable(focusName()));
+        QCOMPARE(host.rows(u"lstMigrateSource"_s), migrateRows);
+        QCOMPARE(host.ctl->property("SourceTables").toString(), sourceTables);
+        QCOMPARE(host.rows(u"lstSourceTables"_s), sourceTables.split(u','));
+        QCOMPARE(host.tabs()->isTabEnabled(1), defineDumpsEnabled);
+        const XmlElement root = host.document();
+        QCOMPARE(root.child(u"PREC"_s).text, typed);
+        QCOMPARE(root.attributeValues(u"QUERY"_s, u"ST"_s), queries);
+        QCOMPARE(root.attributeValues(u"DUMP"_s, u"No"_s), dumps);
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
 
-        QTest::mouseClick(picMQ, Qt::LeftButton);
-        // Restored: everything back where it was.
+    void storingThePreconditionWarnsOnce_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("focusBack");
+        QTest::newRow("name too short") << u"migrate KLM"_s << u"Table Name not Valid"_s << true;
+        QTest::newRow("digit among the first five")
+            << u"migrate 1LMNO001"_s << u"Invalid table name '1LMNO001'"_s << true;
+        QTest::newRow("letters among the last three")
+            << u"migrate KLMNOXYZ"_s << u"Invalid table name 'KLMNOXYZ'"_s << true;
+        QTest::newRow("keyword at the end")
+            << u"migrate"_s << u"Migrate Keyword Has to be followed by a TableName"_s << false;
+        QTest::newRow("keyword and one blank at the end")
+            << u"migrate "_s << u"Migrate Keyword Has to be followed by a TableName"_s << false;
+    }
+    void storingThePreconditionWarnsOnce()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        QFETCH(bool, focusBack);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.replaceText(u"txtPreCondition"_s, typed);
+        QCOMPARE(host.text(u"txtPreCondition"_s), typed);
+        host.modals.expect(ModalAnswerer::press(QMessageBox::Ok));
+        host.clickInto(u"lstSourceTables"_s);
+        QTRY_COMPARE(host.modals.count(), 1);
+        const ModalRecord box = host.modals.records().first();
+        QCOMPARE(box.text, message);
+        QCOMPARE(box.icon, QMessageBox::Critical);
+        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QTRY_VERIFY(!QApplication::activeModalWidget());
+        // The text was stored before it was checked: no migrate source is left.
+        QCOMPARE(host.rows(u"lstMigrateSource"_s).size(), 0);
+        QWidget* pre = host.find(u"txtPreCondition"_s);
+        const QWidget* windowFocus = host.window->focusWidget();
+        if (focusBack)
+            QVERIFY(windowFocus && (windowFocus == pre || pre->isAncestorOf(windowFocus)));
+        QVERIFY(host.activate());
+        if (focusBack)
+            QTRY_VERIFY2(host.focusIn(u"txtPreCondition"_s), qPrintable(focusName()));
+        QTest::qWait(100);
+        QVERIFY2(host.modals.count() == 1, qPrintable(host.modals.describe()));
+    }
+
+    void layoutFollowsTheSize_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("as created") << QSize(960, 660);
+        QTest::newRow("wide") << QSize(1600, 1000);
+        QTest::newRow("narrow") << QSize(640, 480);
+        QTest::newRow("tall") << QSize(760, 1200);
+    }
+    void layoutFollowsTheSize()
+    {
+        QFETCH(QSize, size);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.window->resize(size + QSize(40, 40));
+        host.ctl->resize(size);
+        QCOMPARE(host.ctl->size(), size);
+        QString errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        host.clickTab(1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        // Resized while on the second tab, then back to the first.
+        host.ctl->resize(size + QSize(120, 80));
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        host.clickTab(0);
+        QCOMPARE(host.tabs()->currentIndex(), 0);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
+
+    void extremeSizes()
+    {
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        const QSize normal(960, 660);
+        host.ctl->resize(normal);
+        QWidget* pre = host.find(u"txtPreCondition"_s);
+        QWidget* sourceFields = host.find(u"lstSourceFields"_s);
+        QWidget* targetFields = host.find(u"lstTargetFields"_s);
+        const int preWidth = pre->width();
+        QVERIFY(preWidth > 0);
+        // Far below the fixed margins: widths that would be negative are
+        // refused and the controls keep their previous ones.
+        host.ctl->resize(10, 10);
+        QCOMPARE(host.ctl->size(), QSize(10, 10));
+        QCOMPARE(pre->width(), preWidth);
+        host.ctl->resize(3000, 2000);
+        QString errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        host.ctl->resize(normal);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        QCOMPARE(pre->width(), preWidth);
+
+        // The same on the second tab.
+        host.clickTab(1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        const int sourceWidth = sourceFields->width();
+        const int targetWidth = targetFields->width();
+        host.ctl->resize(10, 10);
+        QCOMPARE(sourceFields->width(), sourceWidth);
+        QCOMPARE(targetFields->width(), targetWidth);
+        host.ctl->resize(3000, 2000);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+        host.ctl->resize(normal);
+        errors = checkLayout(host);
+        QVERIFY2(errors.isEmpty(), qPrintable(errors));
+
+        // Still at work: tabs switch, the dump is shown, the document comes back.
+        host.clickTab(0);
+        QCOMPARE(host.tabs()->currentIndex(), 0);
+        host.clickTab(1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        QCOMPARE(host.rules().size(), 25);
+        const XmlElement root = host.document();
+        QCOMPARE(root.name, u"klmno001"_s);
+        QCOMPARE(root.dump(1).children.size(), 16);
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
+
+    void enlargingAndRestoringTheMainQueryTwice()
+    {
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        const QStringList names{u"txtPreCondition"_s, u"txtMainQuery"_s, u"PicMQResize"_s, u"PicPreResize"_s,
+                                u"CmdBuildPre"_s,     u"CmdPreEditor"_s, u"CmdPreDoc"_s,   u"cmdBuildMQ"_s,
+                                u"CmdMqEditor"_s,     u"CmdMQDoc"_s,     u"CmdOk"_s,       u"CmdCancel"_s};
+        QMap<QString, QRect> before;
+        for (const QString& n : names)
+            before.insert(n, host.find(n)->geometry());
+        QWidget* pre = host.find(u"txtPreCondition"_s);
+        QWidget* mq = host.find(u"txtMainQuery"_s);
+        QWidget* picMQ = host.find(u"PicMQResize"_s);
+        QWidget* picPre = host.find(u"PicPreResize"_s);
+        auto* label = host.find<QLabel>(u"lblPreCondition"_s);
         QVERIFY(pre->isVisible());
         QVERIFY(picPre->isVisible());
-        QVERIFY(picPre->isEnabled());
-        QCOMPARE(label->text(), QStringLiteral("PreCondition"));
-        for (const QString& n : names)
-            QVERIFY2(host.find(n)->geometry() == before.value(n), qPrintable(QStringLiteral("round %1: %2").arg(round).arg(n)));
+
+        for (int round = 1; round <= 2; ++round) {
+            QTest::mouseClick(picMQ, Qt::LeftButton);
+            // Enlarged: the main query takes the precondition's place.
+            QVERIFY(!pre->isVisible());
+            QVERIFY(!picPre->isVisible());
+            QVERIFY(!picPre->isEnabled());
+            QCOMPARE(mq->y(), before.value(u"txtPreCondition"_s).y());
+            QVERIFY(mq->height() > before.value(u"txtMainQuery"_s).height());
+            QVERIFY(mq->geometry().bottom() < before.value(u"CmdOk"_s).top());
+            QCOMPARE(picMQ->geometry(), before.value(u"PicPreResize"_s));
+            QCOMPARE(label->text(), u"Main Query"_s);
+
+            QTest::mouseClick(picMQ, Qt::LeftButton);
+            // Restored: everything back where it was.
+            QVERIFY(pre->isVisible());
+            QVERIFY(picPre->isVisible());
+            QVERIFY(picPre->isEnabled());
+            QCOMPARE(label->text(), u"PreCondition"_s);
+            for (const QString& n : names)
+                QVERIFY2(host.find(n)->geometry() == before.value(n), qPrintable(u"round %1: %2"_s.arg(round).arg(n)));
+        }
     }
-}
 
-// ---------------------------------------------------------------------------
-// Alt shortcuts
+    void altShortcutsOnMappingObject_data()
+    {
+        QTest::addColumn<bool>("edit");
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<QString>("focus");
+        const int alt = int(Qt::AltModifier);
+        const QString sources = u"lstSourceTables"_s;
+        const QString pre = u"txtPreCondition"_s;
+        const QString mq = u"txtMainQuery"_s;
+        const QString migrate = u"lstMigrateSource"_s;
+        QTest::newRow("Alt+M from the source tables") << true << sources << int(Qt::Key_M) << alt << mq;
+        QTest::newRow("Alt+P from the source tables") << true << sources << int(Qt::Key_P) << alt << pre;
+        QTest::newRow("Alt+Q from the source tables") << true << sources << int(Qt::Key_Q) << alt << migrate;
+        QTest::newRow("Alt+M from the precondition") << true << pre << int(Qt::Key_M) << alt << mq;
+        QTest::newRow("Alt+Q from the precondition") << true << pre << int(Qt::Key_Q) << alt << migrate;
+        QTest::newRow("Alt+P from the main query") << true << mq << int(Qt::Key_P) << alt << pre;
+        QTest::newRow("Alt+M in read-only mode") << false << sources << int(Qt::Key_M) << alt << mq;
+        QTest::newRow("Ctrl+Alt+M does nothing")
+            << true << sources << int(Qt::Key_M) << int(Qt::ControlModifier | Qt::AltModifier) << sources;
+        QTest::newRow("Shift+Alt+P does nothing")
+            << true << sources << int(Qt::Key_P) << int(Qt::ShiftModifier | Qt::AltModifier) << sources;
+        QTest::newRow("Ctrl+Alt+Q in the precondition does nothing")
+            << true << pre << int(Qt::Key_Q) << int(Qt::ControlModifier | Qt::AltModifier) << pre;
+    }
+    void altShortcutsOnMappingObject()
+    {
+        QFETCH(bool, edit);
+        QFETCH(QString, start);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(QString, focus);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s, edit));
+        host.clickInto(start);
+        QVERIFY2(host.focusIn(start), qPrintable(focusName()));
+        QVERIFY(keyToFocus(Qt::Key(key), Qt::KeyboardModifiers(modifiers)));
+        QTRY_VERIFY2(host.focusIn(focus), qPrintable(focusName()));
+        QCOMPARE(host.tabs()->currentIndex(), 0);
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
 
-void InteractionTest::altShortcutsOnMappingObject_data()
-{
-    QTest::addColumn<bool>("edit");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QString>("focus");
+    void altUOnMappingObjectLeavesTheDumpSelector()
+    {
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.clickInto(u"lstSourceTables"_s);
+        QVERIFY(host.focusIn(u"lstSourceTables"_s));
+        QVERIFY(keyToFocus(Qt::Key_U, Qt::AltModifier));
+        QTest::qWait(50);
+        QVERIFY2(!host.focusIn(u"CmbDump"_s), qPrintable(focusName()));
+        QCOMPARE(host.tabs()->currentIndex(), 0);
+        QVERIFY(!host.find(u"FrmRules"_s)->isEnabled());
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
 
-    const int alt = int(Qt::AltModifier);
-    const QString sources = QStringLiteral("lstSourceTables");
-    const QString pre = QStringLiteral("txtPreCondition");
-    const QString mq = QStringLiteral("txtMainQuery");
-    const QString migrate = QStringLiteral("lstMigrateSource");
-    QTest::newRow("Alt+M from the source tables") << true << sources << int(Qt::Key_M) << alt << mq;
-    QTest::newRow("Alt+P from the source tables") << true << sources << int(Qt::Key_P) << alt << pre;
-    QTest::newRow("Alt+Q from the source tables") << true << sources << int(Qt::Key_Q) << alt << migrate;
-    QTest::newRow("Alt+M from the precondition") << true << pre << int(Qt::Key_M) << alt << mq;
-    QTest::newRow("Alt+Q from the precondition") << true << pre << int(Qt::Key_Q) << alt << migrate;
-    QTest::newRow("Alt+P from the main query") << true << mq << int(Qt::Key_P) << alt << pre;
-    QTest::newRow("Alt+M in read-only mode") << false << sources << int(Qt::Key_M) << alt << mq;
-    QTest::newRow("Ctrl+Alt+M does nothing")
-        << true << sources << int(Qt::Key_M) << int(Qt::ControlModifier | Qt::AltModifier) << sources;
-    QTest::newRow("Shift+Alt+P does nothing")
-        << true << sources << int(Qt::Key_P) << int(Qt::ShiftModifier | Qt::AltModifier) << sources;
-    QTest::newRow("Ctrl+Alt+Q in the precondition does nothing")
-        << true << pre << int(Qt::Key_Q) << int(Qt::ControlModifier | Qt::AltModifier) << pre;
-}
+    void altShortcutsOnDefineDumps_data()
+    {
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<QString>("focus");
+        const int alt = int(Qt::AltModifier);
+        const QString targets = u"lstTargetFields"_s;
+        const QString dump = u"CmbDump"_s;
+        QTest::newRow("Alt+U from the target fields") << targets << int(Qt::Key_U) << alt << dump;
+        QTest::newRow("Alt+U from the rules grid") << u"RulesGrid"_s << int(Qt::Key_U) << alt << dump;
+        QTest::newRow("Alt+U from the source fields") << u"lstSourceFields"_s << int(Qt::Key_U) << alt << dump;
+        QTest::newRow("Alt+M does nothing") << targets << int(Qt::Key_M) << alt << targets;
+        QTest::newRow("Alt+Q does nothing") << targets << int(Qt::Key_Q) << alt << targets;
+        QTest::newRow("Ctrl+Alt+U does nothing")
+            << targets << int(Qt::Key_U) << int(Qt::ControlModifier | Qt::AltModifier) << targets;
+    }
+    void altShortcutsOnDefineDumps()
+    {
+        QFETCH(QString, start);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(QString, focus);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.clickTab(1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        host.clickInto(start);
+        QVERIFY2(host.focusIn(start), qPrintable(focusName()));
+        QVERIFY(keyToFocus(Qt::Key(key), Qt::KeyboardModifiers(modifiers)));
+        QTest::qWait(50);
+        QTRY_VERIFY2(host.focusIn(focus), qPrintable(focusName()));
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
 
-void InteractionTest::altShortcutsOnMappingObject()
-{
-    QFETCH(bool, edit);
-    QFETCH(QString, start);
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    QFETCH(QString, focus);
+    void altPOnDefineDumpsPressesMap()
+    {
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.clickTab(1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        QAbstractButton* map = host.button(u"CmdMap"_s);
+        QVERIFY(map->isEnabled());
+        QSignalSpy clicked(map, &QAbstractButton::clicked);
+        host.clickInto(u"lstTargetFields"_s);
+        QVERIFY(host.focusIn(u"lstTargetFields"_s));
+        host.modals.expect(ModalAnswerer::press(QMessageBox::Ok)); // whatever Map may say
+        QVERIFY(keyToFocus(Qt::Key_P, Qt::AltModifier));
+        QTRY_COMPARE(clicked.count(), 1);
+        QCOMPARE(host.tabs()->currentIndex(), 1);
+        QVERIFY(!host.focusIn(u"txtPreCondition"_s));
+    }
 
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), edit));
-    QVERIFY(host.activate());
-    QWidget* from = host.find(start);
-    QWidget* to = host.find(focus);
-    QVERIFY(from && to);
-    clickInto(from);
-    QVERIFY2(isWithin(QApplication::focusWidget(), from), qPrintable(focusName()));
-
-    QVERIFY(keyToFocus(Qt::Key(key), Qt::KeyboardModifiers(modifiers)));
-    QTRY_VERIFY2(isWithin(QApplication::focusWidget(), to), qPrintable(focusName()));
-    QCOMPARE(host.tabs()->currentIndex(), 0);
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::altUOnMappingObjectLeavesTheDumpSelector()
-{
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    QWidget* sources = host.find(QStringLiteral("lstSourceTables"));
-    clickInto(sources);
-    QVERIFY(isWithin(QApplication::focusWidget(), sources));
-
-    QVERIFY(keyToFocus(Qt::Key_U, Qt::AltModifier));
-    QTest::qWait(50);
-    QVERIFY2(!isWithin(QApplication::focusWidget(), host.find(QStringLiteral("CmbDump"))), qPrintable(focusName()));
-    QCOMPARE(host.tabs()->currentIndex(), 0);
-    QVERIFY(!host.find(QStringLiteral("FrmRules"))->isEnabled());
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::altShortcutsOnDefineDumps_data()
-{
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<QString>("focus");
-
-    const int alt = int(Qt::AltModifier);
-    const QString targets = QStringLiteral("lstTargetFields");
-    const QString grid = QStringLiteral("RulesGrid");
-    const QString dump = QStringLiteral("CmbDump");
-    QTest::newRow("Alt+U from the target fields") << targets << int(Qt::Key_U) << alt << dump;
-    QTest::newRow("Alt+U from the rules grid") << grid << int(Qt::Key_U) << alt << dump;
-    QTest::newRow("Alt+U from the source fields") << QStringLiteral("lstSourceFields") << int(Qt::Key_U) << alt
-                                                  << dump;
-    QTest::newRow("Alt+M does nothing") << targets << int(Qt::Key_M) << alt << targets;
-    QTest::newRow("Alt+Q does nothing") << targets << int(Qt::Key_Q) << alt << targets;
-    QTest::newRow("Ctrl+Alt+U does nothing")
-        << targets << int(Qt::Key_U) << int(Qt::ControlModifier | Qt::AltModifier) << targets;
-}
-
-void InteractionTest::altShortcutsOnDefineDumps()
-{
-    QFETCH(QString, start);
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    QFETCH(QString, focus);
-
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    host.clickTab(1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    QWidget* from = host.find(start);
-    QWidget* to = host.find(focus);
-    QVERIFY(from && to);
-    clickInto(from);
-    QVERIFY2(isWithin(QApplication::focusWidget(), from), qPrintable(focusName()));
-
-    QVERIFY(keyToFocus(Qt::Key(key), Qt::KeyboardModifiers(modifiers)));
-    QTest::qWait(50);
-    QTRY_VERIFY2(isWithin(QApplication::focusWidget(), to), qPrintable(focusName()));
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
-
-void InteractionTest::altPOnDefineDumpsPressesMap()
-{
-    ModalAnswerer answerer; // whatever Map may say is answered and ignored here
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    host.clickTab(1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    auto* map = host.find<QAbstractButton>(QStringLiteral("CmdMap"));
-    QVERIFY(map);
-    QVERIFY(map->isEnabled());
-    QSignalSpy clicked(map, &QAbstractButton::clicked);
-    QWidget* targets = host.find(QStringLiteral("lstTargetFields"));
-    clickInto(targets);
-    QVERIFY(isWithin(QApplication::focusWidget(), targets));
-
-    QVERIFY(keyToFocus(Qt::Key_P, Qt::AltModifier));
-    QTRY_COMPARE(clicked.count(), 1);
-    QCOMPARE(host.tabs()->currentIndex(), 1);
-    QVERIFY(!isWithin(QApplication::focusWidget(), host.find(QStringLiteral("txtPreCondition"))));
-}
-
-void InteractionTest::altShortcutsWithTheMainQueryEnlarged_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<QString>("focus");
-
-    // Each of the first two rows tests the other box's visibility: with the
-    // precondition hidden, the way into the main query is switched off.
-    QTest::newRow("Alt+M is switched off") << int(Qt::Key_M) << QStringLiteral("lstSourceTables");
-    QTest::newRow("Alt+Q still works") << int(Qt::Key_Q) << QStringLiteral("lstMigrateSource");
-}
-
-void InteractionTest::altShortcutsWithTheMainQueryEnlarged()
-{
-    QFETCH(int, key);
-    QFETCH(QString, focus);
-
-    ModalAnswerer answerer;
-    Host host;
-    QVERIFY(host.loadSample(QStringLiteral("klmno001.xml"), QStringLiteral("klmno001"), true));
-    QVERIFY(host.activate());
-    QTest::mouseClick(host.find(QStringLiteral("PicMQResize")), Qt::LeftButton);
-    QVERIFY(!host.find(QStringLiteral("txtPreCondition"))->isVisible());
-    QVERIFY(host.find(QStringLiteral("txtMainQuery"))->isVisible());
-
-    QWidget* sources = host.find(QStringLiteral("lstSourceTables"));
-    clickInto(sources);
-    QVERIFY(isWithin(QApplication::focusWidget(), sources));
-    QVERIFY(keyToFocus(Qt::Key(key), Qt::AltModifier));
-    QTest::qWait(50);
-    QTRY_VERIFY2(isWithin(QApplication::focusWidget(), host.find(focus)), qPrintable(focusName()));
-    QVERIFY2(answerer.count() == 0, qPrintable(answerer.describe()));
-}
+    void altShortcutsWithTheMainQueryEnlarged_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("focus");
+        // Each of the first two rows tests the other box's visibility: with
+        // the precondition hidden, the way into the main query is switched off.
+        QTest::newRow("Alt+M is switched off") << int(Qt::Key_M) << u"lstSourceTables"_s;
+        QTest::newRow("Alt+Q still works") << int(Qt::Key_Q) << u"lstMigrateSource"_s;
+    }
+    void altShortcutsWithTheMainQueryEnlarged()
+    {
+        QFETCH(int, key);
+        QFETCH(QString, focus);
+        Host host;
+        QVERIFY(host.openSample(u"klmno001.xml"_s));
+        host.click(u"PicMQResize"_s);
+        QVERIFY(!host.find(u"txtPreCondition"_s)->isVisible());
+        QVERIFY(host.find(u"txtMainQuery"_s)->isVisible());
+        host.clickInto(u"lstSourceTables"_s);
+        QVERIFY(host.focusIn(u"lstSourceTables"_s));
+        QVERIFY(keyToFocus(Qt::Key(key), Qt::AltModifier));
+        QTest::qWait(50);
+        QTRY_VERIFY2(host.focusIn(focus), qPrintable(focusName()));
+        QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    }
+};
 
 QTEST_MAIN(InteractionTest)
 #include "tst_interaction.moc"

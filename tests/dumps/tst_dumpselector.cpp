@@ -5,87 +5,67 @@
 // target-table selector, the message when none is chosen), and the function
 // builder button.
 
-#include "DumpsHarness.h"
+#include "WidgetHarness.h"
 
+#include <QLabel>
 #include <QSignalSpy>
+#include <QTableView>
 
-using namespace dumpstest;
-
-// A host's function builder: it answers the request at once by assigning
-// FieldMapping, as a host does from its event handler.
-class FunctionBuilderHost : public QObject {
-    Q_OBJECT
-public:
-    explicit FunctionBuilderHost(QObject* control) : m_control(control)
-    {
-        connect(control, SIGNAL(ShowFunctionBuilderPopUp(QString, QString)), this, SLOT(answer(QString, QString)));
-    }
-    QStringList asked;
-
-public Q_SLOTS:
-    void answer(const QString& StrCondition, const QString& StrSourceTables)
-    {
-        asked << StrCondition << StrSourceTables;
-        m_control->setProperty("FieldMapping", QString(u"built("_s + StrCondition + u')'));
-    }
-
-private:
-    QObject* m_control;
-};
+using namespace fbtest;
 
 class DumpSelectorTest : public QObject {
     Q_OBJECT
 
-private:
     std::unique_ptr<Host> host;
 
     bool showRules()
     {
-        if (!host->open(QStringLiteral("rules001"), rulesDocument()))
+        if (!host->open(u"rules001"_s, rulesDocument()))
             return false;
-        host->enterDefineDumps();
-        return host->grid()->model()->rowCount() == 10;
+        host->clickTab(1);
+        return host->rules() == firstDumpRules();
     }
-
-    // The multi-target sample; entering the tab asks once for dump 4's table.
-    bool showMultiTarget(const QString& tableForDump4 = QStringLiteral("QWERT200"), bool ok = true)
+    bool showSample()
     {
-        if (!host->open(QStringLiteral("fghij100"), readSample(QStringLiteral("fghij100.xml"))))
+        if (!host->openSample(u"klmno001.xml"_s))
+            return false;
+        host->clickTab(1);
+        return host->tabs()->currentIndex() == 1;
+    }
+    // The multi-target sample; entering the tab asks once for dump 4's table.
+    bool showMultiTarget(const QString& tableForDump4 = u"QWERT200"_s, bool ok = true)
+    {
+        if (!host->openSample(u"fghij100.xml"_s))
             return false;
         host->modals.expect(ModalAnswerer::chooseTable(tableForDump4, ok));
-        host->enterDefineDumps();
+        host->clickTab(1);
         return host->activate();
     }
-
-    // The host answers a function-builder request, or a test puts a rule into
-    // the current grid row the way the host does.
-    void assignFieldMapping(const QString& rule) { host->control->setProperty("FieldMapping", rule); }
+    QString targetTableName() const { return host->find<QLabel>(u"LBLTargetTableName"_s)->text(); }
+    QComboBox* targetTables() const { return host->combo(u"CmbTargetTable"_s); }
+    // The host answers a function-builder request, or a test puts a rule
+    // into the current grid row the way the host does.
+    void assignFieldMapping(const QString& rule) { host->ctl->setProperty("FieldMapping", rule); }
 
 private Q_SLOTS:
     void initTestCase() { installMessageFilter(); }
     void init() { host = std::make_unique<Host>(); }
     void cleanup()
     {
-        QCOMPARE(host->modals.unexpected(), 0);
+        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
         QCOMPARE(host->modals.pending(), 0);
         host.reset();
     }
 
     void selectorListsReferencedDumps()
     {
-        QVERIFY(host->open(QStringLiteral("klmno001"), readSample(QStringLiteral("klmno001.xml"))));
-        host->enterDefineDumps();
-        QComboBox* cmb = host->cmbDump();
-        QStringList entries;
-        QList<int> numbers;
-        for (int i = 0; i < cmb->count(); ++i) {
-            entries.append(cmb->itemText(i));
-            numbers.append(cmb->itemData(i).toInt());
-        }
-        QCOMPARE(entries, (QStringList{u"01--Customers"_s, u"02--Addresses"_s, u"03--Order statistics"_s}));
-        QCOMPARE(numbers, (QList<int>{1, 2, 3}));
+        QVERIFY(showSample());
+        QComboBox* cmb = host->combo(u"CmbDump"_s);
+        QCOMPARE(comboTexts(cmb), (QStringList{u"01--Customers"_s, u"02--Addresses"_s, u"03--Order statistics"_s}));
+        QCOMPARE((QList<int>{cmb->itemData(0).toInt(), cmb->itemData(1).toInt(), cmb->itemData(2).toInt()}),
+                 (QList<int>{1, 2, 3}));
         QCOMPARE(cmb->currentIndex(), 0);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 1:Customers"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:Customers"_s);
         QCOMPARE(cmb->toolTip(), u"F&ields of Dump: 1:Customers"_s);
     }
 
@@ -93,17 +73,16 @@ private Q_SLOTS:
     // field's No, fields without a rule empty, a rule of several lines whole.
     void shownDumpFillsGridByFieldNumber()
     {
-        QVERIFY(host->open(QStringLiteral("klmno001"), readSample(QStringLiteral("klmno001.xml"))));
-        host->enterDefineDumps();
-        QTableView* grid = host->grid();
+        QVERIFY(showSample());
+        QAbstractItemView* grid = host->grid();
         QCOMPARE(grid->model()->rowCount(), 25);
         QCOMPARE(grid->model()->columnCount(), 2);
-        QCOMPARE(Host::cell(grid, 0, 0), u"klmno001.custno"_s);
-        QCOMPARE(Host::cell(grid, 13, 0), u"klmno001.qty(1)"_s);
+        QCOMPARE(cell(grid, 0, 0), u"klmno001.custno"_s);
+        QCOMPARE(cell(grid, 13, 0), u"klmno001.qty(1)"_s);
         QCOMPARE(host->rule(0), u"pqrst002.custno"_s);
         QCOMPARE(host->rule(7), QString()); // DISC: no rule in dump 1
-        QCOMPARE(host->rule(8), u"if pqrst002.status < \"5\" & pqrst002.branch > 0 then\r\n\treturn 1\r\nelse\r\n"
-                                 u"\treturn 0\r\nendif"_s);
+        QCOMPARE(host->rule(8),
+                 u"if pqrst002.status < \"5\" & pqrst002.branch > 0 then\r\n\treturn 1\r\nelse\r\n\treturn 0\r\nendif"_s);
         QCOMPARE(host->rule(13), QString()); // QTY__1: no rule in dump 1
         QCOMPARE(host->rule(16), u"pqrst002.note(1,1)"_s);
         QCOMPARE(host->rule(24), u"\"legacy\""_s);
@@ -112,22 +91,14 @@ private Q_SLOTS:
     // A dump is shown from the grid's first row.
     void shownDumpStartsAtTheFirstRow()
     {
-        QVERIFY(host->open(QStringLiteral("klmno001"), readSample(QStringLiteral("klmno001.xml"))));
-        host->enterDefineDumps();
-        QTableView* grid = host->grid();
-        Host::clickCell(grid, 24, 1);
+        QVERIFY(showSample());
+        auto* grid = qobject_cast<QTableView*>(host->grid());
+        clickCell(grid, 24, 1);
         QVERIFY(grid->rowAt(0) > 0);
         host->chooseDump(2);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Addresses"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 2:Addresses"_s);
         QCOMPARE(grid->rowAt(0), 0);
         QCOMPARE(host->rule(18), u"uvwxy003.street"_s);
-    }
-
-    void rulesArePlacedByFieldNumber()
-    {
-        QVERIFY(showRules());
-        QCOMPARE(host->rules(), (QStringList{u"srcaa001.custno"_s, {}, u"srcbb002.city"_s, {}, {}, {}, {}, {}, {},
-                                             u"srcaa001.zip"_s}));
     }
 
     // A click on another dump stores the grid into the dump shown so far
@@ -135,23 +106,21 @@ private Q_SLOTS:
     void choosingAnotherDumpStoresTheShownDumpFirst()
     {
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 1, 1);
+        clickCell(host->grid(), 1, 1);
         assignFieldMapping(u"clean(srcaa001.name)"_s); // into the grid only
         host->chooseDump(2);
-
         const XmlElement doc = host->document();
-        const XmlElement* dump1 = doc.dump(1);
-        QVERIFY(dump1);
-        QCOMPARE(dump1->childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s, u"CITY"_s, u"NAME"_s}));
-        const XmlElement* name = dump1->child(u"NAME"_s);
-        QCOMPARE(name->text, u"clean(srcaa001.name)"_s);
-        QCOMPARE(name->attribute(u"No"_s), u"2"_s);
-        QCOMPARE(name->attribute(u"TYPE"_s), u"0"_s);
-        QVERIFY(name->hasAttribute(u"TEXT"_s));
-        QCOMPARE(name->attribute(u"TEXT"_s), QString());
+        const XmlElement dump1 = doc.dump(1);
+        QCOMPARE(dump1.childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s, u"CITY"_s, u"NAME"_s}));
+        const XmlElement name = dump1.child(u"NAME"_s);
+        QCOMPARE(name.text, u"clean(srcaa001.name)"_s);
+        QCOMPARE(name.attribute(u"No"_s), u"2"_s);
+        QCOMPARE(name.attribute(u"TYPE"_s), u"0"_s);
+        QVERIFY(name.hasAttribute(u"TEXT"_s));
+        QCOMPARE(name.attribute(u"TEXT"_s), QString());
         // Dump 2 did not receive dump 1's rules, nor dump 1 dump 2's.
-        QCOMPARE(doc.dump(2)->child(u"NAME"_s)->text, u"srcaa001.name"_s);
-        QCOMPARE(doc.dump(2)->childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
+        QCOMPARE(doc.dump(2).child(u"NAME"_s).text, u"srcaa001.name"_s);
+        QCOMPARE(doc.dump(2).childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
     }
 
     void chosenDumpShowsWhenSelectorLosesFocus()
@@ -159,18 +128,15 @@ private Q_SLOTS:
         QVERIFY(showRules());
         host->chooseDump(2);
         // Choosing moves the focus on to the target fields, so dump 2 shows.
-        QCOMPARE(QApplication::focusWidget(), host->targetList());
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Second"_s);
-        QCOMPARE(host->cmbDump()->toolTip(), u"F&ields of Dump: 2:Second"_s);
-        QCOMPARE(host->rules(),
-                 (QStringList{{}, u"srcaa001.name"_s, {}, {}, {}, {}, {}, u"line one\r\nline two"_s, {}, {}}));
-        QCOMPARE(host->targetList()->model()->rowCount(), 10);
-        QCOMPARE(host->sourceList()->model()->rowCount(), 11);
-
+        QCOMPARE(QApplication::focusWidget(), host->targetFields());
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 2:Second"_s);
+        QCOMPARE(host->combo(u"CmbDump"_s)->toolTip(), u"F&ields of Dump: 2:Second"_s);
+        QCOMPARE(host->rules(), (QStringList{{}, u"srcaa001.name"_s, {}, {}, {}, {}, {}, u"line one\r\nline two"_s, {}, {}}));
+        QCOMPARE(host->targetFields()->model()->rowCount(), 10);
+        QCOMPARE(host->sourceFields()->model()->rowCount(), 11);
         host->chooseDump(1);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 1:First"_s);
-        QCOMPARE(host->rules(), (QStringList{u"srcaa001.custno"_s, {}, u"srcbb002.city"_s, {}, {}, {}, {}, {}, {},
-                                             u"srcaa001.zip"_s}));
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:First"_s);
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     // Leaving the selector while it still names the shown dump shows nothing
@@ -178,33 +144,30 @@ private Q_SLOTS:
     void leavingSelectorOnTheShownDumpKeepsTheGrid()
     {
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 1, 1);
+        clickCell(host->grid(), 1, 1);
         assignFieldMapping(u"kept(srcaa001.name)"_s);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_U, Qt::AltModifier);
-        QCOMPARE(QApplication::focusWidget(), host->cmbDump());
-        Host::clickCell(host->sourceList(), 0, 2);
-        QCOMPARE(QApplication::focusWidget(), host->sourceList());
+        keyToFocus(Qt::Key_U, Qt::AltModifier);
+        QCOMPARE(QApplication::focusWidget(), host->combo(u"CmbDump"_s));
+        clickCell(host->sourceFields(), 0, 2);
+        QCOMPARE(QApplication::focusWidget(), host->sourceFields());
         QCOMPARE(host->rule(1), u"kept(srcaa001.name)"_s);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 1:First"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:First"_s);
     }
 
     // "Sho&w" stores the shown dump and changes nothing on screen.
     void showButtonStoresTheShownDump()
     {
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 1, 1);
+        clickCell(host->grid(), 1, 1);
         assignFieldMapping(u"shown(srcaa001.name)"_s);
-        QCOMPARE(host->button("Command1")->text(), u"Sho&w"_s);
-        QTest::mouseClick(host->button("Command1"), Qt::LeftButton);
+        host->click(u"Command1"_s);
         // Had the rule not been stored yet, this would create NAME without No.
         host->setRuleTextNumber(1, u"name"_s, 7);
-        const XmlElement doc = host->document();
-        const XmlElement* name = doc.dump(1)->child(u"NAME"_s);
-        QVERIFY(name);
-        QCOMPARE(name->attribute(u"No"_s), u"2"_s);
-        QCOMPARE(name->attribute(u"TEXT"_s), u"7"_s);
-        QCOMPARE(name->text, u"shown(srcaa001.name)"_s);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 1:First"_s);
+        const XmlElement name = host->document().dump(1).child(u"NAME"_s);
+        QCOMPARE(name.attribute(u"No"_s), u"2"_s);
+        QCOMPARE(name.attribute(u"TEXT"_s), u"7"_s);
+        QCOMPARE(name.text, u"shown(srcaa001.name)"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:First"_s);
         QCOMPARE(host->rule(1), u"shown(srcaa001.name)"_s);
     }
 
@@ -212,56 +175,47 @@ private Q_SLOTS:
     {
         QVERIFY(showRules());
         host->chooseDump(3);
-        QCOMPARE(host->cmbDump()->currentData().toInt(), 3);
-        QCOMPARE(host->grid()->model()->rowCount(), 10);
-        QCOMPARE(Host::cell(host->grid(), 9, 0), u"rules001.zip"_s);
+        QCOMPARE(host->combo(u"CmbDump"_s)->currentData().toInt(), 3);
+        QCOMPARE(cell(host->grid(), 9, 0), u"rules001.zip"_s);
         QCOMPARE(host->rules(), QStringList(10, QString()));
-        const XmlElement doc = host->document();
-        QVERIFY(doc.dump(3));
-        QVERIFY(doc.dump(3)->children.isEmpty());
+        const XmlElement dump3 = host->document().dump(3);
+        QVERIFY(!dump3.isNull());
+        QVERIFY(dump3.children.isEmpty());
     }
 
     // ---- the multi-target document ------------------------------------
 
     void enteringBindsTheUnboundDump_data()
     {
-        QTest::addColumn<QString>("choice");
         QTest::addColumn<bool>("ok");
         QTest::addColumn<QString>("bound");
-        QTest::addColumn<QString>("firstField");
-        QTest::newRow("OK on the second table") << QStringLiteral("QWERT200") << true << QStringLiteral("QWERT200")
-                                                << QStringLiteral("ITEM");
-        QTest::newRow("Cancel binds the first table") << QStringLiteral("QWERT200") << false
-                                                      << QStringLiteral("FGHIJ100") << QStringLiteral("ITEM");
+        QTest::newRow("OK on the second table") << true << u"QWERT200"_s;
+        QTest::newRow("Cancel binds the first table") << false << u"FGHIJ100"_s;
     }
     void enteringBindsTheUnboundDump()
     {
-        QFETCH(QString, choice);
         QFETCH(bool, ok);
         QFETCH(QString, bound);
-        QFETCH(QString, firstField);
-        QVERIFY(showMultiTarget(choice, ok));
+        QVERIFY(showMultiTarget(u"QWERT200"_s, ok));
         QCOMPARE(host->modals.count(), 1);
         const ModalRecord& box = host->modals.records().first();
         QCOMPARE(box.title, u"Choose Target for Dump No:  4"_s);
         QCOMPARE(box.entries, (QStringList{u"FGHIJ100"_s, u"QWERT200"_s}));
         QCOMPARE(box.selected, u"FGHIJ100"_s);
-
         const XmlElement doc = host->document();
-        const XmlElement* dump4 = doc.dump(4);
-        QVERIFY(dump4);
-        QCOMPARE(dump4->attribute(u"TT"_s), bound);
-        QCOMPARE(dump4->childNames(), QStringList{firstField});
-        const XmlElement& rule = dump4->children.first();
+        const XmlElement dump4 = doc.dump(4);
+        QCOMPARE(dump4.attribute(u"TT"_s), bound);
+        QCOMPARE(dump4.childNames(), QStringList{u"ITEM"_s});
+        const XmlElement rule = dump4.child(u"ITEM"_s);
         QCOMPARE(rule.text, u"default()"_s);
         QCOMPARE(rule.attribute(u"TYPE"_s), u"0"_s);
         QVERIFY(rule.hasAttribute(u"TEXT"_s));
         QCOMPARE(rule.attribute(u"TEXT"_s), QString());
         QCOMPARE(rule.attribute(u"No"_s), u"1"_s);
         // The bound dumps keep their tables.
-        QCOMPARE(doc.dump(1)->attribute(u"TT"_s), u"FGHIJ100"_s);
-        QCOMPARE(doc.dump(2)->attribute(u"TT"_s), u"QWERT200"_s);
-        QCOMPARE(doc.dump(3)->attribute(u"TT"_s), u"FGHIJ100"_s);
+        QCOMPARE(doc.dump(1).attribute(u"TT"_s), u"FGHIJ100"_s);
+        QCOMPARE(doc.dump(2).attribute(u"TT"_s), u"QWERT200"_s);
+        QCOMPARE(doc.dump(3).attribute(u"TT"_s), u"FGHIJ100"_s);
     }
 
     void chosenDumpShowsItsTargetTable()
@@ -269,46 +223,39 @@ private Q_SLOTS:
         QVERIFY(showMultiTarget());
         // Dumps in the order the scripts reference them: precondition,
         // functions, then the main queries of the migrate tables.
-        QStringList entries;
-        for (int i = 0; i < host->cmbDump()->count(); ++i)
-            entries.append(host->cmbDump()->itemText(i));
-        QCOMPARE(entries, (QStringList{u"01--Items"_s, u"04--Price history"_s, u"03--Item texts"_s,
-                                       u"02--Warehouse data"_s}));
-        QCOMPARE(host->find<QLabel>("LBLTargetTableName")->text(), u"FGHIJ100"_s);
-        QCOMPARE(host->cmbTargetTable()->currentText(), u"FGHIJ100"_s);
+        QCOMPARE(comboTexts(host->combo(u"CmbDump"_s)),
+                 (QStringList{u"01--Items"_s, u"04--Price history"_s, u"03--Item texts"_s, u"02--Warehouse data"_s}));
+        QCOMPARE(targetTableName(), u"FGHIJ100"_s);
+        QCOMPARE(targetTables()->currentText(), u"FGHIJ100"_s);
         host->chooseDump(2);
-        QCOMPARE(host->find<QLabel>("LBLTargetTableName")->text(), u"QWERT200"_s);
-        QCOMPARE(host->cmbTargetTable()->currentText(), u"QWERT200"_s);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Warehouse data"_s);
-        QCOMPARE(host->targetList()->model()->rowCount(), 14);
-        QCOMPARE(Host::cell(host->targetList(), 0, 3), u"qwert200.item"_s);
-        QCOMPARE(host->grid()->model()->rowCount(), 14);
+        QCOMPARE(targetTableName(), u"QWERT200"_s);
+        QCOMPARE(targetTables()->currentText(), u"QWERT200"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 2:Warehouse data"_s);
+        QCOMPARE(host->targetFields()->model()->rowCount(), 14);
+        QCOMPARE(cell(host->targetFields(), 0, 3), u"qwert200.item"_s);
+        QCOMPARE(host->rules().size(), 14);
         QCOMPARE(host->rule(1), u"rstuv020.ware"_s);
-
         // Dump 4 was bound on entry: its default() rule shows in row 0.
         host->chooseDump(4);
-        QCOMPARE(host->find<QLabel>("LBLTargetTableName")->text(), u"QWERT200"_s);
+        QCOMPARE(targetTableName(), u"QWERT200"_s);
         QCOMPARE(host->rule(0), u"default()"_s);
     }
 
     void storingWritesTheSelectedTargetTable()
     {
         QVERIFY(showMultiTarget());
-        Host::pickInCombo(host->cmbTargetTable(), 1);
-        QCOMPARE(host->cmbTargetTable()->currentText(), u"QWERT200"_s);
-        const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->attribute(u"TT"_s), u"QWERT200"_s);
+        pickInCombo(targetTables(), 1);
+        QCOMPARE(targetTables()->currentText(), u"QWERT200"_s);
+        QCOMPARE(host->document().dump(1).attribute(u"TT"_s), u"QWERT200"_s);
         QCOMPARE(host->modals.count(), 1); // only the binding dialog
     }
 
     void emptyTargetTableSelectorWarnsAndStillWritesRules()
     {
         QVERIFY(showMultiTarget());
-        Host::clickCell(host->grid(), 7, 1); // SEQN, No 8: no rule in dump 1
+        clickCell(host->grid(), 7, 1); // SEQN, No 8: no rule in dump 1
         assignFieldMapping(u"seqn.rule"_s);
-        host->cmbTargetTable()->setCurrentIndex(-1); // nothing chosen
-        QCOMPARE(host->cmbTargetTable()->currentText(), QString());
-
+        targetTables()->setCurrentIndex(-1); // nothing chosen
         host->modals.expect(ModalAnswerer::press(QMessageBox::Ok));
         const XmlElement doc = host->document();
         QCOMPARE(host->modals.count(), 2);
@@ -316,19 +263,16 @@ private Q_SLOTS:
         QCOMPARE(box.text, u"TargetTable for the Dump Not chosen. Please Choose One Now"_s);
         QCOMPARE(box.icon, QMessageBox::Critical);
         QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-
-        const XmlElement* dump1 = doc.dump(1);
-        QVERIFY(dump1);
-        QCOMPARE(dump1->attribute(u"TT"_s), u"FGHIJ100"_s);
-        const XmlElement* seqn = dump1->child(u"SEQN"_s);
-        QVERIFY(seqn);
-        QCOMPARE(seqn->text, u"seqn.rule"_s);
-        QCOMPARE(seqn->attribute(u"No"_s), u"8"_s);
-        QCOMPARE(seqn->attribute(u"TYPE"_s), u"0"_s);
-        QCOMPARE(dump1->child(u"ITEM"_s)->text, u"lmnop010.item"_s);
+        const XmlElement dump1 = doc.dump(1);
+        QCOMPARE(dump1.attribute(u"TT"_s), u"FGHIJ100"_s);
+        const XmlElement seqn = dump1.child(u"SEQN"_s);
+        QCOMPARE(seqn.text, u"seqn.rule"_s);
+        QCOMPARE(seqn.attribute(u"No"_s), u"8"_s);
+        QCOMPARE(seqn.attribute(u"TYPE"_s), u"0"_s);
+        QCOMPARE(dump1.child(u"ITEM"_s).text, u"lmnop010.item"_s);
         // The user is sent to the target-table selector on "Define Dumps".
-        QCOMPARE(host->find<QTabWidget>("MainTab")->currentIndex(), 1);
-        QCOMPARE(host->window.focusWidget(), host->cmbTargetTable());
+        QCOMPARE(host->tabs()->currentIndex(), 1);
+        QCOMPARE(host->window->focusWidget(), targetTables());
     }
 
     // Leaving "Define Dumps" stores the dump; without a chosen target table
@@ -337,28 +281,27 @@ private Q_SLOTS:
     void leavingTheTabWithoutTargetTableKeepsTheRules()
     {
         QVERIFY(showMultiTarget());
-        Host::clickCell(host->grid(), 7, 1); // SEQN, No 8: no rule in dump 1
+        clickCell(host->grid(), 7, 1); // SEQN, No 8: no rule in dump 1
         assignFieldMapping(u"seqn.rule"_s);
-        host->cmbTargetTable()->setCurrentIndex(-1);
+        targetTables()->setCurrentIndex(-1);
         host->modals.expect(ModalAnswerer::press(QMessageBox::Ok));
-        host->enterMappingObject();
+        host->clickTab(0);
         QTRY_COMPARE(host->modals.count(), 2);
-        QCOMPARE(host->modals.records().last().text,
-                 u"TargetTable for the Dump Not chosen. Please Choose One Now"_s);
-        QCOMPARE(host->find<QTabWidget>("MainTab")->currentIndex(), 1);
-        QCOMPARE(host->window.focusWidget(), host->cmbTargetTable());
+        QCOMPARE(host->modals.records().last().text, u"TargetTable for the Dump Not chosen. Please Choose One Now"_s);
+        QCOMPARE(host->tabs()->currentIndex(), 1);
+        QCOMPARE(host->window->focusWidget(), targetTables());
         // Had SEQN not been written, this would create it without No.
         host->setRuleTextNumber(1, u"seqn"_s, 5);
 
         QVERIFY(host->activate());
-        Host::pickInCombo(host->cmbTargetTable(), 0); // the user chooses one now
+        pickInCombo(targetTables(), 0); // the user chooses one now
         const XmlElement doc = host->document();
         QCOMPARE(host->modals.count(), 2);
-        const XmlElement* seqn = doc.dump(1)->child(u"SEQN"_s);
-        QVERIFY2(seqn, "the rule in the grid was lost");
-        QCOMPARE(seqn->attribute(u"No"_s), u"8"_s);
-        QCOMPARE(seqn->text, u"seqn.rule"_s);
-        QCOMPARE(doc.dump(1)->attribute(u"TT"_s), u"FGHIJ100"_s);
+        const XmlElement seqn = doc.dump(1).child(u"SEQN"_s);
+        QVERIFY2(!seqn.isNull(), "the rule in the grid was lost");
+        QCOMPARE(seqn.attribute(u"No"_s), u"8"_s);
+        QCOMPARE(seqn.text, u"seqn.rule"_s);
+        QCOMPARE(doc.dump(1).attribute(u"TT"_s), u"FGHIJ100"_s);
     }
 
     // ---- the function builder ----------------------------------------------
@@ -367,20 +310,18 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("row");
         QTest::addColumn<QString>("condition");
-        QTest::newRow("row with a rule") << 2 << QStringLiteral("srcbb002.city");
+        QTest::newRow("row with a rule") << 2 << u"srcbb002.city"_s;
         QTest::newRow("row without a rule") << 1 << QString();
-        QTest::newRow("last row") << 9 << QStringLiteral("srcaa001.zip");
+        QTest::newRow("last row") << 9 << u"srcaa001.zip"_s;
     }
     void functionBuilderGetsRuleAndSourceTables()
     {
         QFETCH(int, row);
         QFETCH(QString, condition);
         QVERIFY(showRules());
-        QSignalSpy spy(host->control, SIGNAL(ShowFunctionBuilderPopUp(QString, QString)));
-        QVERIFY(spy.isValid());
-        Host::clickCell(host->grid(), row, 1);
-        QCOMPARE(host->button("CmdFuncBuild")->text(), u"&Build"_s);
-        QTest::mouseClick(host->button("CmdFuncBuild"), Qt::LeftButton);
+        QSignalSpy spy(host->ctl, SIGNAL(ShowFunctionBuilderPopUp(QString, QString)));
+        clickCell(host->grid(), row, 1);
+        host->click(u"CmdFuncBuild"_s);
         QCOMPARE(spy.count(), 1);
         QCOMPARE(spy.first().at(0).toString(), condition);
         QCOMPARE(spy.first().at(1).toString(), u"srcaa001,srcbb002"_s);
@@ -389,29 +330,31 @@ private Q_SLOTS:
     void hostAnswersFunctionBuilderThroughFieldMapping()
     {
         QVERIFY(showRules());
-        FunctionBuilderHost builder(host->control);
-        Host::clickCell(host->grid(), 2, 1);
-        QTest::mouseClick(host->button("CmdFuncBuild"), Qt::LeftButton);
-        QCOMPARE(builder.asked, (QStringList{u"srcbb002.city"_s, u"srcaa001,srcbb002"_s}));
+        QStringList asked;
+        ctlFieldbridge* ctl = host->ctl;
+        connect(ctl, &ctlFieldbridge::ShowFunctionBuilderPopUp, ctl, [&asked, ctl](const QString& rule, const QString& tables) {
+            asked << rule << tables;
+            ctl->setProperty("FieldMapping", QString(u"built("_s + rule + u')'));
+        });
+        clickCell(host->grid(), 2, 1);
+        host->click(u"CmdFuncBuild"_s);
+        QCOMPARE(asked, (QStringList{u"srcbb002.city"_s, u"srcaa001,srcbb002"_s}));
         QCOMPARE(host->rule(2), u"built(srcbb002.city)"_s);
-        QCOMPARE(host->control->property("FieldMapping").toString(), u"2"_s);
-        QVERIFY(host->button("CmdFuncBuild")->isEnabled());
-        const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"built(srcbb002.city)"_s);
+        QCOMPARE(host->ctl->property("FieldMapping").toString(), u"2"_s);
+        QVERIFY(host->button(u"CmdFuncBuild"_s)->isEnabled());
+        QCOMPARE(host->document().dump(1).child(u"CITY"_s).text, u"built(srcbb002.city)"_s);
     }
 
     void functionBuilderWithoutDumpRaisesNothing()
     {
         QVERIFY(showRules());
         // The host shows another document while "Define Dumps" is current.
-        host->control->setProperty("MappingObjectXML", rulesDocument());
-        QMetaObject::invokeMethod(host->control, "ShowControl");
-        if (!host->cmbDump()->currentText().isEmpty())
-            QSKIP("the dump selector still names a dump after ShowControl");
-        QSignalSpy spy(host->control, SIGNAL(ShowFunctionBuilderPopUp(QString, QString)));
-        QVERIFY(host->button("CmdFuncBuild")->isVisible());
-        QVERIFY(host->button("CmdFuncBuild")->isEnabled());
-        QTest::mouseClick(host->button("CmdFuncBuild"), Qt::LeftButton);
+        host->ctl->setProperty("MappingObjectXML", rulesDocument());
+        QMetaObject::invokeMethod(host->ctl, "ShowControl");
+        QCOMPARE(host->combo(u"CmbDump"_s)->currentText(), QString());
+        QSignalSpy spy(host->ctl, SIGNAL(ShowFunctionBuilderPopUp(QString, QString)));
+        QVERIFY(host->button(u"CmdFuncBuild"_s)->isEnabled());
+        host->click(u"CmdFuncBuild"_s);
         QCOMPARE(spy.count(), 0);
     }
 
@@ -419,12 +362,12 @@ private Q_SLOTS:
     // through FieldMapping enables it again.
     void fieldMappingEnablesFunctionBuilderInReadOnlyMode()
     {
-        QVERIFY(host->open(QStringLiteral("rules001"), rulesDocument(), false));
-        host->enterDefineDumps();
-        QVERIFY(!host->button("CmdFuncBuild")->isEnabled());
-        Host::clickCell(host->grid(), 4, 1);
+        QVERIFY(host->open(u"rules001"_s, rulesDocument(), false));
+        host->clickTab(1);
+        QVERIFY(!host->button(u"CmdFuncBuild"_s)->isEnabled());
+        clickCell(host->grid(), 4, 1);
         assignFieldMapping(u"utc(srcaa001.born,0)"_s);
-        QVERIFY(host->button("CmdFuncBuild")->isEnabled());
+        QVERIFY(host->button(u"CmdFuncBuild"_s)->isEnabled());
         QCOMPARE(host->rule(4), u"utc(srcaa001.born,0)"_s);
     }
 };

@@ -3,18 +3,22 @@
 // a click on a target field selecting its grid row, and the source list
 // showing its selection when it gets the focus.
 
-#include "DumpsHarness.h"
+#include "WidgetHarness.h"
 
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QSet>
-#include <QSignalSpy>
+#include <QTableView>
 
-using namespace dumpstest;
+#include <algorithm>
+
+using namespace fbtest;
 
 namespace {
 
 // One table's fields, used both as the target table LISTS001 and as the
 // source table SRCAA001, so that both lists show the same cells.
-const char* const kFields = R"(
+const QString kFields = uR"(
 <CUSTNO No="1" FNo="7" TYPE="L" DIGB="8" DSCA="Customer number" ADJU="R" CASE="N" DOMAIN="custno" MAN="Y"/>
 <NAME No="2" FNo="42" TYPE="S" LENG="35" DSCA="Customer name" ADJU="L" CASE="U" MAN="y"/>
 <CITY No="3" FNo="123" TYPE="M" LENG="40" ADJU="C" CASE="L"/>
@@ -26,39 +30,31 @@ const char* const kFields = R"(
 <RATE No="9" FNo="5.0" TYPE="D" DIGB="15" DIGA="2"/>
 <KIND No="10" FNo="11" TYPE="s" LENG="3"/>
 <EMPTY/>
-)";
+)"_s;
 
 QString listsDocument()
 {
-    return mappingObject(QStringLiteral("lists001"), QString::fromUtf8(kFields),
-                         {{QStringLiteral("srcaa001"), QString::fromUtf8(kFields)}},
-                         QStringLiteral("<DUMP No=\"1\" TXT=\"Lists\"/>"), QStringLiteral("dump 1 Lists"));
+    return dumpsDocument(u"lists001"_s, kFields, {{u"srcaa001"_s, kFields}}, u"<DUMP No=\"1\" TXT=\"Lists\"/>"_s,
+                         u"dump 1 Lists"_s);
 }
 
-// Many fields: "count" target fields and "count" source fields, named
-// f00000 and up, with field numbers and positions in document order.
+// "targets" target fields and "sources" source fields named f00000 and up,
+// with field numbers and positions in document order; the source fields
+// stand scrambled, so that sorting moves nearly every row.
 QString manyFieldsDocument(int targets, int sources)
 {
     const auto fields = [](int count, bool scrambled) {
         QString out;
         for (int i = 0; i < count; ++i) {
-            // Scrambled order makes sorting move nearly every row.
             const int n = scrambled ? (i * 7919) % count : i;
-            out += QStringLiteral("<F%1 No=\"%2\" FNo=\"%3\" TYPE=\"S\" LENG=\"10\"/>")
-                       .arg(QString::number(n).rightJustified(5, u'0'))
+            out += u"<F%1 No=\"%2\" FNo=\"%3\" TYPE=\"S\" LENG=\"10\"/>"_s.arg(QString::number(n).rightJustified(5, u'0'))
                        .arg(i + 1)
                        .arg(n);
         }
         return out;
     };
-    return mappingObject(QStringLiteral("manyf001"), fields(targets, false),
-                         {{QStringLiteral("srcaa001"), fields(sources, true)}},
-                         QStringLiteral("<DUMP No=\"1\" TXT=\"Many\"/>"), QStringLiteral("dump 1 Many"));
-}
-
-int twipsToPixels(int twips, const QWidget* w)
-{
-    return qRound(twips * w->logicalDpiX() / 1440.0);
+    return dumpsDocument(u"manyf001"_s, fields(targets, false), {{u"srcaa001"_s, fields(sources, true)}},
+                         u"<DUMP No=\"1\" TXT=\"Many\"/>"_s, u"dump 1 Many"_s);
 }
 
 QStringList reversed(QStringList list)
@@ -72,15 +68,20 @@ QStringList reversed(QStringList list)
 class FieldListsTest : public QObject {
     Q_OBJECT
 
-private:
     std::unique_ptr<Host> host;
 
     bool showLists()
     {
-        if (!host->open(QStringLiteral("lists001"), listsDocument()))
+        if (!host->open(u"lists001"_s, listsDocument()))
             return false;
-        host->enterDefineDumps();
-        return host->sourceList()->model()->rowCount() == 11 && host->targetList()->model()->rowCount() == 11;
+        host->clickTab(1);
+        return host->sourceFields()->model()->rowCount() == 11 && host->targetFields()->model()->rowCount() == 11;
+    }
+    int listItemNumber(const QString& name)
+    {
+        int result = 0;
+        QMetaObject::invokeMethod(host->ctl, "GetListItemNumber", Q_RETURN_ARG(int, result), Q_ARG(QString, name));
+        return result;
     }
 
 private Q_SLOTS:
@@ -88,7 +89,7 @@ private Q_SLOTS:
     void init() { host = std::make_unique<Host>(); }
     void cleanup()
     {
-        QCOMPARE(host->modals.unexpected(), 0);
+        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
         host.reset();
     }
 
@@ -97,11 +98,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("list");
         QTest::addColumn<QStringList>("headers");
         QTest::newRow("source fields: nine columns")
-            << QStringLiteral("lstSourceFields")
-            << QStringList{{}, u"No"_s, u"Field Name"_s, u"Type"_s, u"Length"_s, u"Description"_s,
-                           u"Alignment"_s, u"Case"_s, u"Domain"_s};
+            << u"lstSourceFields"_s
+            << QStringList{{}, u"No"_s, u"Field Name"_s, u"Type"_s, u"Length"_s, u"Description"_s, u"Alignment"_s,
+                           u"Case"_s, u"Domain"_s};
         QTest::newRow("target fields: an empty leading column, then the same nine")
-            << QStringLiteral("lstTargetFields")
+            << u"lstTargetFields"_s
             << QStringList{{}, {}, u"No"_s, u"Field Name"_s, u"Type"_s, u"Length"_s, u"Description"_s,
                            u"Alignment"_s, u"Case"_s, u"Domain"_s};
     }
@@ -110,28 +111,23 @@ private Q_SLOTS:
         QFETCH(QString, list);
         QFETCH(QStringList, headers);
         QVERIFY(showLists());
-        auto* view = host->control->findChild<QTreeView*>(list);
-        QVERIFY(view);
-        QStringList shown;
-        for (int c = 0; c < view->model()->columnCount(); ++c)
-            shown.append(view->model()->headerData(c, Qt::Horizontal).toString());
-        QCOMPARE(shown, headers);
+        QCOMPARE(fbtest::headerTexts(host->view(list)), headers);
     }
 
     void listFonts()
     {
         QVERIFY(showLists());
-        QCOMPARE(host->sourceList()->font().family(), u"Microsoft Sans Serif"_s);
-        QCOMPARE(host->targetList()->font().family(), u"MS Sans Serif"_s);
+        QCOMPARE(host->sourceFields()->font().family(), u"Microsoft Sans Serif"_s);
+        QCOMPARE(host->targetFields()->font().family(), u"MS Sans Serif"_s);
     }
 
     void columnWidths_data()
     {
         QTest::addColumn<QString>("list");
         QTest::addColumn<QList<int>>("twips");
-        QTest::newRow("source fields") << QStringLiteral("lstSourceFields")
+        QTest::newRow("source fields") << u"lstSourceFields"_s
                                        << QList<int>{706, 882, 2381, 1093, 882, 2187, 882, 882, 2540};
-        QTest::newRow("target fields") << QStringLiteral("lstTargetFields")
+        QTest::newRow("target fields") << u"lstTargetFields"_s
                                        << QList<int>{441, 706, 882, 2293, 1093, 882, 2187, 882, 882, 2540};
     }
     void columnWidths()
@@ -139,18 +135,12 @@ private Q_SLOTS:
         QFETCH(QString, list);
         QFETCH(QList<int>, twips);
         QVERIFY(showLists());
-        auto* view = host->control->findChild<QTreeView*>(list);
-        QVERIFY(view);
+        auto* view = host->find<QTreeView>(list);
         QCOMPARE(view->header()->count(), twips.size());
         for (int c = 0; c < twips.size(); ++c) {
-            const int expected = twipsToPixels(twips[c], view);
+            const int expected = qRound(twips[c] * view->logicalDpiX() / 1440.0);
             const int actual = view->header()->sectionSize(c);
-            QVERIFY2(qAbs(actual - expected) <= 1,
-                     qPrintable(QStringLiteral("column %1: %2 px, expected %3 px (%4 twips)")
-                                    .arg(c)
-                                    .arg(actual)
-                                    .arg(expected)
-                                    .arg(twips[c])));
+            QVERIFY2(qAbs(actual - expected) <= 1, qPrintable(u"column %1: %2 px, expected %3 px"_s.arg(c).arg(actual).arg(expected)));
         }
     }
 
@@ -159,14 +149,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("list");
         QTest::addColumn<int>("column");
         QTest::addColumn<bool>("right");
-        QTest::newRow("source Length is right-aligned") << QStringLiteral("lstSourceFields") << 4 << true;
-        QTest::newRow("source No is left-aligned") << QStringLiteral("lstSourceFields") << 1 << false;
-        QTest::newRow("source Field Name is left-aligned") << QStringLiteral("lstSourceFields") << 2 << false;
-        QTest::newRow("source Domain is left-aligned") << QStringLiteral("lstSourceFields") << 8 << false;
-        QTest::newRow("target Length is right-aligned") << QStringLiteral("lstTargetFields") << 5 << true;
-        QTest::newRow("target No is right-aligned") << QStringLiteral("lstTargetFields") << 2 << true;
-        QTest::newRow("target Field Name is left-aligned") << QStringLiteral("lstTargetFields") << 3 << false;
-        QTest::newRow("target Type is left-aligned") << QStringLiteral("lstTargetFields") << 4 << false;
+        QTest::newRow("source Length is right-aligned") << u"lstSourceFields"_s << 4 << true;
+        QTest::newRow("source No is left-aligned") << u"lstSourceFields"_s << 1 << false;
+        QTest::newRow("source Field Name is left-aligned") << u"lstSourceFields"_s << 2 << false;
+        QTest::newRow("source Domain is left-aligned") << u"lstSourceFields"_s << 8 << false;
+        QTest::newRow("target Length is right-aligned") << u"lstTargetFields"_s << 5 << true;
+        QTest::newRow("target No is right-aligned") << u"lstTargetFields"_s << 2 << true;
+        QTest::newRow("target Field Name is left-aligned") << u"lstTargetFields"_s << 3 << false;
+        QTest::newRow("target Type is left-aligned") << u"lstTargetFields"_s << 4 << false;
     }
     void alignment()
     {
@@ -174,27 +164,22 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(bool, right);
         QVERIFY(showLists());
-        auto* view = host->control->findChild<QTreeView*>(list);
-        QVERIFY(view);
-        for (int r = 0; r < view->model()->rowCount(); ++r) {
-            const int align =
-                view->model()->data(view->model()->index(r, column), Qt::TextAlignmentRole).toInt() &
-                Qt::AlignHorizontal_Mask;
-            if (right)
-                QVERIFY2(align & Qt::AlignRight, qPrintable(QStringLiteral("row %1").arg(r)));
-            else
-                QVERIFY2(!(align & (Qt::AlignRight | Qt::AlignHCenter)), qPrintable(QStringLiteral("row %1").arg(r)));
+        const QAbstractItemModel* model = host->view(list)->model();
+        for (int r = 0; r < model->rowCount(); ++r) {
+            const int align = model->index(r, column).data(Qt::TextAlignmentRole).toInt() & Qt::AlignHorizontal_Mask;
+            QVERIFY2(right ? (align & Qt::AlignRight) : !(align & (Qt::AlignRight | Qt::AlignHCenter)),
+                     qPrintable(u"row %1"_s.arg(r)));
         }
     }
 
     void cellRules_data()
     {
         QTest::addColumn<int>("row");
-        QTest::addColumn<QStringList>("cells"); // mark, No, field part of the name, type, length, description,
-                                                // alignment, case, domain
+        QTest::addColumn<QStringList>("cells"); // mark, No, field part of the name, type, length,
+                                                // description, alignment, case, domain
         QTest::newRow("FNo 7 shows 007; MAN Y marks; ADJU R; CASE N; L is Long")
-            << 0 << QStringList{u"*"_s, u"007"_s, u"custno"_s, u"Long"_s, u"8"_s, u"Customer number"_s,
-                                u"Right"_s, u"No"_s, u"custno"_s};
+            << 0 << QStringList{u"*"_s, u"007"_s, u"custno"_s, u"Long"_s, u"8"_s, u"Customer number"_s, u"Right"_s,
+                                u"No"_s, u"custno"_s};
         QTest::newRow("FNo 42 shows 042; MAN y gives no mark; ADJU L; CASE U")
             << 1 << QStringList{{}, u"042"_s, u"name"_s, u"String"_s, u"35"_s, u"Customer name"_s, u"Left"_s,
                                 u"Upper"_s, {}};
@@ -224,28 +209,22 @@ private Q_SLOTS:
         QFETCH(int, row);
         QFETCH(QStringList, cells);
         QVERIFY(showLists());
-        const struct {
-            QTreeView* view;
-            int offset;
-            QString table;
-        } lists[] = {{host->sourceList(), 0, u"srcaa001."_s}, {host->targetList(), 1, u"lists001."_s}};
-        for (const auto& list : lists) {
+        // The same cells in both lists; the target list has an empty leading column.
+        for (const auto& [list, table] :
+             {std::pair{host->sourceFields(), u"srcaa001."_s}, std::pair{host->targetFields(), u"lists001."_s}}) {
             QStringList expected = cells;
-            expected[2] = list.table + cells[2];
-            QStringList shown;
-            for (int c = 0; c < 9; ++c)
-                shown.append(Host::cell(list.view, row, c + list.offset));
-            QCOMPARE(shown, expected);
+            expected[2] = table + cells[2];
+            if (list == host->targetFields())
+                expected.prepend(QString());
+            QCOMPARE(rowTexts(list, row), expected);
         }
-        // The target list's leading column is always empty.
-        QCOMPARE(Host::cell(host->targetList(), row, 0), QString());
     }
 
     void checkBoxesOnSourceListOnly()
     {
         QVERIFY(showLists());
-        QTreeView* source = host->sourceList();
-        QTreeView* target = host->targetList();
+        QTreeView* source = host->sourceFields();
+        QTreeView* target = host->targetFields();
         for (int r = 0; r < source->model()->rowCount(); ++r) {
             const QModelIndex first = source->model()->index(r, 0);
             QVERIFY(first.flags() & Qt::ItemIsUserCheckable);
@@ -258,14 +237,13 @@ private Q_SLOTS:
                 QVERIFY(!target->model()->index(r, c).data(Qt::CheckStateRole).isValid());
                 QVERIFY(!(target->model()->index(r, c).flags() & Qt::ItemIsUserCheckable));
             }
-
         // A person ticks and unticks a field.
-        Host::clickCheckBox(source, 2);
-        QVERIFY(Host::ticked(source, 2));
-        QVERIFY(!Host::ticked(source, 1));
-        QVERIFY(!Host::ticked(source, 3));
-        Host::clickCheckBox(source, 2);
-        QVERIFY(!Host::ticked(source, 2));
+        clickCheckBox(source, 2);
+        QVERIFY(ticked(source, 2));
+        QVERIFY(!ticked(source, 1));
+        QVERIFY(!ticked(source, 3));
+        clickCheckBox(source, 2);
+        QVERIFY(!ticked(source, 2));
     }
 
     void headerClicksSortAscendingThenDescending_data()
@@ -274,11 +252,11 @@ private Q_SLOTS:
         QTest::addColumn<int>("column");
         QTest::addColumn<QStringList>("ascending");
         // Numbers sort as text: 00123 comes before 007.
-        const QStringList numbers{u"000"_s,   u"000"_s, u"00100"_s, u"00123"_s, u"005.0"_s, u"007"_s,
-                                  u"009"_s,   u"010"_s, u"011"_s,   u"042"_s,   u"099"_s};
+        const QStringList numbers{u"000"_s, u"000"_s, u"00100"_s, u"00123"_s, u"005.0"_s, u"007"_s,
+                                  u"009"_s, u"010"_s, u"011"_s,   u"042"_s,   u"099"_s};
         const QStringList names{u"born"_s, u"city"_s, u"custno"_s, u"empty"_s, u"flags"_s, u"kind"_s,
                                 u"name"_s, u"note"_s, u"qty(2)"_s, u"rate"_s,  u"stamp"_s};
-        const QStringList types{{},          {},           u"Date"_s, u"Double"_s, u"Float"_s, u"Long"_s,
+        const QStringList types{{},        {},          u"Date"_s, u"Double"_s, u"Float"_s, u"Long"_s,
                                 u"Multi-Byte String"_s, u"Set"_s, u"String"_s, u"Text"_s, u"UTC"_s};
         const auto qualified = [&names](const QString& table) {
             QStringList out;
@@ -286,13 +264,11 @@ private Q_SLOTS:
                 out.append(table + n);
             return out;
         };
-        QTest::newRow("source list by No") << QStringLiteral("lstSourceFields") << 1 << numbers;
-        QTest::newRow("source list by Field Name")
-            << QStringLiteral("lstSourceFields") << 2 << qualified(QStringLiteral("srcaa001."));
-        QTest::newRow("source list by Type") << QStringLiteral("lstSourceFields") << 3 << types;
-        QTest::newRow("target list by No") << QStringLiteral("lstTargetFields") << 2 << numbers;
-        QTest::newRow("target list by Field Name")
-            << QStringLiteral("lstTargetFields") << 3 << qualified(QStringLiteral("lists001."));
+        QTest::newRow("source list by No") << u"lstSourceFields"_s << 1 << numbers;
+        QTest::newRow("source list by Field Name") << u"lstSourceFields"_s << 2 << qualified(u"srcaa001."_s);
+        QTest::newRow("source list by Type") << u"lstSourceFields"_s << 3 << types;
+        QTest::newRow("target list by No") << u"lstTargetFields"_s << 2 << numbers;
+        QTest::newRow("target list by Field Name") << u"lstTargetFields"_s << 3 << qualified(u"lists001."_s);
     }
     void headerClicksSortAscendingThenDescending()
     {
@@ -300,23 +276,18 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QStringList, ascending);
         QVERIFY(showLists());
-        auto* view = host->control->findChild<QTreeView*>(list);
-        QVERIFY(view);
-        const int nameColumn = list == u"lstSourceFields" ? 2 : 3;
+        auto* view = host->find<QTreeView>(list);
+        const int nameColumn = list == u"lstSourceFields"_s ? 2 : 3;
         // Whole rows move: remember which number belongs to which name.
         QHash<QString, QString> numberOf;
         for (int r = 0; r < view->model()->rowCount(); ++r)
-            numberOf.insert(Host::cell(view, r, nameColumn), Host::cell(view, r, nameColumn - 1));
-
-        Host::clickHeader(view, column);
-        QCOMPARE(Host::column(view, column), ascending);
-        for (int r = 0; r < view->model()->rowCount(); ++r)
-            QCOMPARE(Host::cell(view, r, nameColumn - 1), numberOf.value(Host::cell(view, r, nameColumn)));
-
-        Host::clickHeader(view, column);
-        QCOMPARE(Host::column(view, column), reversed(ascending));
-        for (int r = 0; r < view->model()->rowCount(); ++r)
-            QCOMPARE(Host::cell(view, r, nameColumn - 1), numberOf.value(Host::cell(view, r, nameColumn)));
+            numberOf.insert(cell(view, r, nameColumn), cell(view, r, nameColumn - 1));
+        for (const QStringList& expected : {ascending, reversed(ascending)}) {
+            clickHeader(view, column);
+            QCOMPARE(rows(view, column), expected);
+            for (int r = 0; r < view->model()->rowCount(); ++r)
+                QCOMPARE(cell(view, r, nameColumn - 1), numberOf.value(cell(view, r, nameColumn)));
+        }
     }
 
     // The order flips on every click of the list's headers, whichever
@@ -324,38 +295,34 @@ private Q_SLOTS:
     void everyHeaderClickFlipsTheOrder()
     {
         QVERIFY(showLists());
-        QTreeView* view = host->sourceList();
-        Host::clickHeader(view, 2); // ascending by name
-        QCOMPARE(Host::cell(view, 0, 2), u"srcaa001.born"_s);
-        Host::clickHeader(view, 1); // descending by number
-        QCOMPARE(Host::column(view, 1),
-                 (QStringList{u"099"_s, u"042"_s, u"011"_s, u"010"_s, u"009"_s, u"007"_s, u"005.0"_s,
-                              u"00123"_s, u"00100"_s, u"000"_s, u"000"_s}));
+        QTreeView* view = host->sourceFields();
+        clickHeader(view, 2); // ascending by name
+        QCOMPARE(cell(view, 0, 2), u"srcaa001.born"_s);
+        clickHeader(view, 1); // descending by number
+        QCOMPARE(rows(view, 1), (QStringList{u"099"_s, u"042"_s, u"011"_s, u"010"_s, u"009"_s, u"007"_s, u"005.0"_s,
+                                             u"00123"_s, u"00100"_s, u"000"_s, u"000"_s}));
     }
 
     void getListItemNumber_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("number");
-        QTest::newRow("first row is number 1") << QStringLiteral("lists001.custno") << 1;
-        QTest::newRow("array element by its shown name") << QStringLiteral("lists001.qty(2)") << 4;
-        QTest::newRow("last row") << QStringLiteral("lists001.empty") << 11;
-        QTest::newRow("upper case differs") << QStringLiteral("LISTS001.CUSTNO") << -1;
-        QTest::newRow("one letter's case differs") << QStringLiteral("lists001.Custno") << -1;
-        QTest::newRow("field part alone") << QStringLiteral("custno") << -1;
-        QTest::newRow("stored array form") << QStringLiteral("lists001.qty__2") << -1;
-        QTest::newRow("a source field is not a target row") << QStringLiteral("srcaa001.custno") << -1;
-        QTest::newRow("trailing blank") << QStringLiteral("lists001.custno ") << -1;
+        QTest::newRow("first row is number 1") << u"lists001.custno"_s << 1;
+        QTest::newRow("array element by its shown name") << u"lists001.qty(2)"_s << 4;
+        QTest::newRow("last row") << u"lists001.empty"_s << 11;
+        QTest::newRow("upper case differs") << u"LISTS001.CUSTNO"_s << -1;
+        QTest::newRow("one letter's case differs") << u"lists001.Custno"_s << -1;
+        QTest::newRow("field part alone") << u"custno"_s << -1;
+        QTest::newRow("stored array form") << u"lists001.qty__2"_s << -1;
+        QTest::newRow("a source field is not a target row") << u"srcaa001.custno"_s << -1;
+        QTest::newRow("trailing blank") << u"lists001.custno "_s << -1;
     }
     void getListItemNumber()
     {
         QFETCH(QString, name);
         QFETCH(int, number);
         QVERIFY(showLists());
-        int result = 0;
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetListItemNumber", Q_RETURN_ARG(int, result),
-                                          Q_ARG(QString, name)));
-        QCOMPARE(result, number);
+        QCOMPARE(listItemNumber(name), number);
     }
 
     // ShowControl fills the target list already, before "Define Dumps" is
@@ -367,10 +334,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("xml");
         QTest::addColumn<int>("rows");
         QTest::addColumn<QString>("last");
-        QTest::newRow("single target") << QStringLiteral("lists001") << listsDocument() << 11
-                                       << QStringLiteral("lists001.empty");
-        QTest::newRow("multi-target sample") << QStringLiteral("fghij100") << readSample(u"fghij100.xml"_s) << 23
-                                             << QStringLiteral("fghij100.origin");
+        QTest::newRow("single target") << u"lists001"_s << listsDocument() << 11 << u"lists001.empty"_s;
+        QTest::newRow("multi-target sample") << u"fghij100"_s << readSample(u"fghij100.xml"_s) << 23
+                                             << u"fghij100.origin"_s;
     }
     void showControlFillsTheTargetList()
     {
@@ -379,26 +345,18 @@ private Q_SLOTS:
         QFETCH(int, rows);
         QFETCH(QString, last);
         QVERIFY(host->open(root, xml));
-        QCOMPARE(host->find<QTabWidget>("MainTab")->currentIndex(), 0);
-        QCOMPARE(host->targetList()->model()->rowCount(), rows);
-        int result = 0;
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetListItemNumber", Q_RETURN_ARG(int, result),
-                                          Q_ARG(QString, last)));
-        QCOMPARE(result, rows);
+        QCOMPARE(host->tabs()->currentIndex(), 0);
+        QCOMPARE(host->targetFields()->model()->rowCount(), rows);
+        QCOMPARE(listItemNumber(last), rows);
     }
 
     // The number is the row as the list shows it now.
     void getListItemNumberFollowsTheShownOrder()
     {
         QVERIFY(showLists());
-        Host::clickHeader(host->targetList(), 3); // ascending by name: born, city, custno, ...
-        int result = 0;
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetListItemNumber", Q_RETURN_ARG(int, result),
-                                          Q_ARG(QString, u"lists001.born"_s)));
-        QCOMPARE(result, 1);
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetListItemNumber", Q_RETURN_ARG(int, result),
-                                          Q_ARG(QString, u"lists001.custno"_s)));
-        QCOMPARE(result, 3);
+        clickHeader(host->targetFields(), 3); // ascending by name: born, city, custno, ...
+        QCOMPARE(listItemNumber(u"lists001.born"_s), 1);
+        QCOMPARE(listItemNumber(u"lists001.custno"_s), 3);
     }
 
     void targetRowClickSelectsGridRow_data()
@@ -406,29 +364,28 @@ private Q_SLOTS:
         QTest::addColumn<QString>("field");
         QTest::addColumn<int>("gridRow");
         // The list is sorted by name first, so that list rows and grid rows differ.
-        QTest::newRow("custno, field No 1") << QStringLiteral("lists001.custno") << 0;
-        QTest::newRow("qty(2), field No 4") << QStringLiteral("lists001.qty(2)") << 3;
-        QTest::newRow("rate, field No 9") << QStringLiteral("lists001.rate") << 8;
-        QTest::newRow("born, field No 5") << QStringLiteral("lists001.born") << 4;
+        QTest::newRow("custno, field No 1") << u"lists001.custno"_s << 0;
+        QTest::newRow("qty(2), field No 4") << u"lists001.qty(2)"_s << 3;
+        QTest::newRow("rate, field No 9") << u"lists001.rate"_s << 8;
+        QTest::newRow("born, field No 5") << u"lists001.born"_s << 4;
     }
     void targetRowClickSelectsGridRow()
     {
         QFETCH(QString, field);
         QFETCH(int, gridRow);
         QVERIFY(showLists());
-        QTreeView* list = host->targetList();
-        Host::clickHeader(list, 3);
-        const int listRow = Host::rowOf(list, 3, field);
+        QTreeView* list = host->targetFields();
+        clickHeader(list, 3);
+        const int listRow = rowOf(list, 3, field);
         QVERIFY(listRow >= 0);
         QVERIFY(listRow != gridRow);
-        Host::clickCell(list, listRow, 3);
-        QTableView* grid = host->grid();
-        QCOMPARE(grid->currentIndex().row(), gridRow);
-        QCOMPARE(Host::cell(grid, gridRow, 0), field);
+        clickCell(list, listRow, 3);
+        QCOMPARE(host->grid()->currentIndex().row(), gridRow);
+        QCOMPARE(cell(host->grid(), gridRow, 0), field);
     }
 
-    // In a long table the grid scrolls so that the clicked field's row is the
-    // top row when it was not visible; a visible row does not scroll the grid.
+    // In a long table the grid scrolls so that the clicked field's row is
+    // the top row when it was not visible; a visible row does not scroll it.
     void targetRowClickScrollsGridOnlyWhenNeeded_data()
     {
         QTest::addColumn<int>("row");
@@ -440,37 +397,33 @@ private Q_SLOTS:
     {
         QFETCH(int, row);
         QFETCH(int, top);
-        QVERIFY(host->open(QStringLiteral("manyf001"), manyFieldsDocument(300, 300)));
-        host->enterDefineDumps();
-        QTableView* grid = host->grid();
+        QVERIFY(host->open(u"manyf001"_s, manyFieldsDocument(300, 300)));
+        host->clickTab(1);
+        auto* grid = qobject_cast<QTableView*>(host->grid());
         QCOMPARE(grid->model()->rowCount(), 300);
         QCOMPARE(grid->rowAt(0), 0);
-        const QRect before = grid->visualRect(grid->model()->index(row, 0));
-        const bool visible = grid->viewport()->rect().contains(before);
+        const bool visible = grid->viewport()->rect().contains(grid->visualRect(grid->model()->index(row, 0)));
         QCOMPARE(visible, top == 0);
-
-        Host::clickCell(host->targetList(), row, 3);
+        clickCell(host->targetFields(), row, 3);
         QCOMPARE(grid->currentIndex().row(), row);
-        QCOMPARE(Host::cell(grid, row, 0), u"manyf001.f"_s + QString::number(row).rightJustified(5, u'0'));
+        QCOMPARE(cell(grid, row, 0), u"manyf001.f"_s + QString::number(row).rightJustified(5, u'0'));
         QVERIFY(grid->viewport()->rect().intersects(grid->visualRect(grid->currentIndex())));
         QCOMPARE(grid->rowAt(0), top);
     }
 
-    // When the source list gets the focus, its selected row is scrolled
-    // into view.
+    // When the source list gets the focus, its selected row is scrolled into view.
     void sourceListFocusShowsSelectedRow()
     {
-        QVERIFY(host->open(QStringLiteral("manyf001"), manyFieldsDocument(20, 300)));
-        host->enterDefineDumps();
-        QTreeView* source = host->sourceList();
-        Host::clickCell(source, 280, 2);
+        QVERIFY(host->open(u"manyf001"_s, manyFieldsDocument(20, 300)));
+        host->clickTab(1);
+        QTreeView* source = host->sourceFields();
+        clickCell(source, 280, 2);
         QVERIFY(source->selectionModel()->isRowSelected(280, QModelIndex()));
         source->verticalScrollBar()->setValue(0);
         QVERIFY(!source->viewport()->rect().intersects(source->visualRect(source->model()->index(280, 2))));
-
-        Host::clickCell(host->targetList(), 3, 3);
-        QCOMPARE(QApplication::focusWidget(), host->targetList());
-        QTest::keyClick(host->targetList(), Qt::Key_Backtab, Qt::ShiftModifier);
+        clickCell(host->targetFields(), 3, 3);
+        QCOMPARE(QApplication::focusWidget(), host->targetFields());
+        QTest::keyClick(host->targetFields(), Qt::Key_Backtab, Qt::ShiftModifier);
         QCOMPARE(QApplication::focusWidget(), source);
         QVERIFY(source->selectionModel()->isRowSelected(280, QModelIndex()));
         QVERIFY(source->viewport()->rect().intersects(source->visualRect(source->model()->index(280, 2))));
@@ -480,31 +433,26 @@ private Q_SLOTS:
     // completely and sorts correctly both ways.
     void tenThousandSourceFields()
     {
-        QVERIFY(host->open(QStringLiteral("manyf001"), manyFieldsDocument(3, 10000)));
-        host->enterDefineDumps();
-        QTreeView* source = host->sourceList();
-        QCOMPARE(source->model()->rowCount(), 10000);
-        QSet<QString> names;
-        for (int r = 0; r < 10000; ++r)
-            names.insert(Host::cell(source, r, 2));
-        QCOMPARE(names.size(), 10000);
+        QVERIFY(host->open(u"manyf001"_s, manyFieldsDocument(3, 10000)));
+        host->clickTab(1);
+        QTreeView* source = host->sourceFields();
+        const QStringList names = rows(source, 2);
+        QCOMPARE(QSet<QString>(names.begin(), names.end()).size(), 10000);
         QVERIFY(names.contains(u"srcaa001.f00000"_s));
         QVERIFY(names.contains(u"srcaa001.f09999"_s));
 
-        Host::clickHeader(source, 2);
-        QCOMPARE(source->model()->rowCount(), 10000);
-        QCOMPARE(Host::cell(source, 0, 2), u"srcaa001.f00000"_s);
-        QCOMPARE(Host::cell(source, 9999, 2), u"srcaa001.f09999"_s);
-        for (int r = 1; r < 10000; ++r)
-            QVERIFY2(Host::cell(source, r - 1, 2) < Host::cell(source, r, 2), qPrintable(QString::number(r)));
+        clickHeader(source, 2);
+        QStringList sorted = rows(source, 2);
+        QCOMPARE(sorted.size(), 10000);
+        QCOMPARE(sorted.first(), u"srcaa001.f00000"_s);
+        QVERIFY(std::is_sorted(sorted.begin(), sorted.end()));
         // Row 4711 of the sorted list is field f04711 with its own number.
-        QCOMPARE(Host::cell(source, 4711, 1), u"004711"_s);
+        QCOMPARE(cell(source, 4711, 1), u"004711"_s);
 
-        Host::clickHeader(source, 2);
-        QCOMPARE(Host::cell(source, 0, 2), u"srcaa001.f09999"_s);
-        QCOMPARE(Host::cell(source, 9999, 2), u"srcaa001.f00000"_s);
-        for (int r = 1; r < 10000; ++r)
-            QVERIFY2(Host::cell(source, r - 1, 2) > Host::cell(source, r, 2), qPrintable(QString::number(r)));
+        clickHeader(source, 2);
+        sorted = rows(source, 2);
+        QCOMPARE(sorted.first(), u"srcaa001.f09999"_s);
+        QVERIFY(std::is_sorted(sorted.rbegin(), sorted.rend()));
     }
 };
 

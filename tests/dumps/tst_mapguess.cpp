@@ -3,17 +3,14 @@
 // from matching field names, after a question when rules exist, stored into
 // the dump at the end).
 
-#include "DumpsHarness.h"
+#include "WidgetHarness.h"
 
-using namespace dumpstest;
+using namespace fbtest;
 
 namespace {
 
-const QStringList kFirstDumpRules{u"srcaa001.custno"_s, {}, u"srcbb002.city"_s, {}, {}, {}, {}, {}, {},
-                                  u"srcaa001.zip"_s};
-
-// What guessing gives for the rules document (see DumpsHarness.h for its
-// rows): custno occurs in both source tables, the later one wins; note(1)
+// What guessing gives for the rules document (see WidgetHarness.h for
+// its rows): custno occurs in both source tables, the later one wins; note(1)
 // takes the plain source field note; note(2) matches srcaa001.note(2)
 // exactly but the later srcbb002.note replaces it; remark and lang have no
 // source field of their name.
@@ -38,44 +35,43 @@ QString guessQuestion(const QString& caption)
 class MapGuessTest : public QObject {
     Q_OBJECT
 
-private:
     std::unique_ptr<Host> host;
 
     bool show(const QString& root, const QString& xml)
     {
         if (!host->open(root, xml))
             return false;
-        host->enterDefineDumps();
+        host->clickTab(1);
         return host->grid()->model()->rowCount() > 0;
     }
-    bool showRules() { return show(QStringLiteral("rules001"), rulesDocument()) && host->rules() == kFirstDumpRules; }
+    bool showRules() { return show(u"rules001"_s, rulesDocument()) && host->rules() == firstDumpRules(); }
 
     void selectTarget(const QString& name)
     {
-        const int row = Host::rowOf(host->targetList(), 3, name);
+        const int row = rowOf(host->targetFields(), 3, name);
         QVERIFY2(row >= 0, qPrintable(name));
-        Host::clickCell(host->targetList(), row, 3);
-        QVERIFY(host->targetList()->selectionModel()->isRowSelected(row, QModelIndex()));
+        clickCell(host->targetFields(), row, 3);
+        QVERIFY(host->targetFields()->selectionModel()->isRowSelected(row, QModelIndex()));
     }
 
     QList<int> tickedRows() const
     {
         QList<int> out;
-        for (int r = 0; r < host->sourceList()->model()->rowCount(); ++r)
-            if (Host::ticked(host->sourceList(), r))
+        for (int r = 0; r < host->sourceFields()->model()->rowCount(); ++r)
+            if (ticked(host->sourceFields(), r))
                 out.append(r);
         return out;
     }
 
-    void clickMap() { QTest::mouseClick(host->button("CmdMap"), Qt::LeftButton); }
-    void clickGuess() { QTest::mouseClick(host->button("CmdGuess"), Qt::LeftButton); }
+    void clickMap() { host->click(u"CmdMap"_s); }
+    void clickGuess() { host->click(u"CmdGuess"_s); }
 
 private Q_SLOTS:
     void initTestCase() { installMessageFilter(); }
     void init() { host = std::make_unique<Host>(); }
     void cleanup()
     {
-        QCOMPARE(host->modals.unexpected(), 0);
+        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
         QCOMPARE(host->modals.pending(), 0);
         host.reset();
     }
@@ -85,18 +81,18 @@ private Q_SLOTS:
     void mapWithoutSelectedTargetDoesNothing()
     {
         QVERIFY(showRules());
-        QTreeView* targets = host->targetList();
+        QTreeView* targets = host->targetFields();
         // Nothing selected in the target list (a Ctrl+click takes away a selection).
         const QModelIndexList selected = targets->selectionModel()->selectedRows();
         if (!selected.isEmpty())
-            Host::clickCell(targets, selected.first().row(), 3, Qt::ControlModifier);
+            clickCell(targets, selected.first().row(), 3, Qt::ControlModifier);
         QVERIFY(targets->selectionModel()->selectedRows().isEmpty());
-        Host::clickCheckBox(host->sourceList(), 0);
-        Host::clickCheckBox(host->sourceList(), 6);
+        clickCheckBox(host->sourceFields(), 0);
+        clickCheckBox(host->sourceFields(), 6);
         QCOMPARE(tickedRows(), (QList<int>{0, 6}));
         clickMap();
         QCOMPARE(host->modals.count(), 0);
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        QCOMPARE(host->rules(), firstDumpRules());
         QCOMPARE(tickedRows(), (QList<int>{0, 6}));
     }
 
@@ -111,7 +107,7 @@ private Q_SLOTS:
         QCOMPARE(box.text, u"Please choose a source field to map"_s);
         QCOMPARE(box.title, QString());
         QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     void mapTickedFields_data()
@@ -119,36 +115,36 @@ private Q_SLOTS:
         QTest::addColumn<QString>("target");
         QTest::addColumn<QList<int>>("ticks"); // source rows, in the order ticked
         QTest::addColumn<QString>("rule");
-        QTest::newRow("one String onto a String") << QStringLiteral("rules001.name") << QList<int>{1}
-                                                  << QStringLiteral("srcaa001.name");
+        QTest::newRow("one String onto a String") << u"rules001.name"_s << QList<int>{1}
+                                                  << u"srcaa001.name"_s;
         QTest::newRow("three in list order, ticked last first")
-            << QStringLiteral("rules001.city") << QList<int>{6, 0, 1}
-            << QStringLiteral("srcaa001.custno,srcaa001.name,srcaa001.zip");
+            << u"rules001.city"_s << QList<int>{6, 0, 1}
+            << u"srcaa001.custno,srcaa001.name,srcaa001.zip"_s;
         QTest::newRow("across source tables, in list order")
-            << QStringLiteral("rules001.city") << QList<int>{8, 0} << QStringLiteral("srcaa001.custno,srcbb002.city");
-        QTest::newRow("Date onto UTC") << QStringLiteral("rules001.stamp") << QList<int>{2}
-                                       << QStringLiteral("utc(srcaa001.born,0)");
-        QTest::newRow("Date onto Date") << QStringLiteral("rules001.born") << QList<int>{3}
-                                        << QStringLiteral("utc(srcaa001.created,0,2)");
-        QTest::newRow("UTC onto Date stays as it is") << QStringLiteral("rules001.born") << QList<int>{9}
-                                                      << QStringLiteral("srcbb002.stamp");
-        QTest::newRow("UTC onto UTC") << QStringLiteral("rules001.stamp") << QList<int>{9}
-                                      << QStringLiteral("utc.utc(srcbb002.stamp)");
+            << u"rules001.city"_s << QList<int>{8, 0} << u"srcaa001.custno,srcbb002.city"_s;
+        QTest::newRow("Date onto UTC") << u"rules001.stamp"_s << QList<int>{2}
+                                       << u"utc(srcaa001.born,0)"_s;
+        QTest::newRow("Date onto Date") << u"rules001.born"_s << QList<int>{3}
+                                        << u"utc(srcaa001.created,0,2)"_s;
+        QTest::newRow("UTC onto Date stays as it is") << u"rules001.born"_s << QList<int>{9}
+                                                      << u"srcbb002.stamp"_s;
+        QTest::newRow("UTC onto UTC") << u"rules001.stamp"_s << QList<int>{9}
+                                      << u"utc.utc(srcbb002.stamp)"_s;
         QTest::newRow("two Dates onto UTC, each converted")
-            << QStringLiteral("rules001.stamp") << QList<int>{3, 2}
-            << QStringLiteral("utc(srcaa001.born,0),utc(srcaa001.created,0)");
+            << u"rules001.stamp"_s << QList<int>{3, 2}
+            << u"utc(srcaa001.born,0),utc(srcaa001.created,0)"_s;
         QTest::newRow("String array element onto a String")
-            << QStringLiteral("rules001.name") << QList<int>{4} << QStringLiteral("srcaa001.note(1,2)");
+            << u"rules001.name"_s << QList<int>{4} << u"srcaa001.note(1,2)"_s;
         QTest::newRow("String array element onto a Multi-Byte String")
-            << QStringLiteral("rules001.lang") << QList<int>{4} << QStringLiteral("srcaa001.note(1,2)");
+            << u"rules001.lang"_s << QList<int>{4} << u"srcaa001.note(1,2)"_s;
         QTest::newRow("String array element onto a String array element")
-            << QStringLiteral("rules001.note(1)") << QList<int>{4} << QStringLiteral("srcaa001.note(1,2)");
+            << u"rules001.note(1)"_s << QList<int>{4} << u"srcaa001.note(1,2)"_s;
         QTest::newRow("String array element onto a Long stays as it is")
-            << QStringLiteral("rules001.custno") << QList<int>{4} << QStringLiteral("srcaa001.note(2)");
+            << u"rules001.custno"_s << QList<int>{4} << u"srcaa001.note(2)"_s;
         QTest::newRow("Text onto a String stays as it is")
-            << QStringLiteral("rules001.name") << QList<int>{5} << QStringLiteral("srcaa001.memo");
+            << u"rules001.name"_s << QList<int>{5} << u"srcaa001.memo"_s;
         QTest::newRow("an existing rule is replaced, not added to")
-            << QStringLiteral("rules001.city") << QList<int>{6} << QStringLiteral("srcaa001.zip");
+            << u"rules001.city"_s << QList<int>{6} << u"srcaa001.zip"_s;
     }
     void mapTickedFields()
     {
@@ -158,14 +154,14 @@ private Q_SLOTS:
         QVERIFY(showRules());
         selectTarget(target);
         for (int r : ticks)
-            Host::clickCheckBox(host->sourceList(), r);
+            clickCheckBox(host->sourceFields(), r);
         QCOMPARE(tickedRows().size(), ticks.size());
         clickMap();
         QCOMPARE(host->modals.count(), 0);
         int row = -1;
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetRowNumber", Q_RETURN_ARG(int, row),
+        QVERIFY(QMetaObject::invokeMethod(host->ctl, "GetRowNumber", Q_RETURN_ARG(int, row),
                                           Q_ARG(QString, target)));
-        QStringList expected = kFirstDumpRules;
+        QStringList expected = firstDumpRules();
         expected[row] = rule;
         QCOMPARE(host->rules(), expected);
         QCOMPARE(tickedRows(), QList<int>());
@@ -175,13 +171,13 @@ private Q_SLOTS:
     void mapFollowsTheSortedSourceList()
     {
         QVERIFY(showRules());
-        QTreeView* source = host->sourceList();
-        Host::clickHeader(source, 2);
-        Host::clickHeader(source, 2); // descending by name
+        QTreeView* source = host->sourceFields();
+        clickHeader(source, 2);
+        clickHeader(source, 2); // descending by name
         selectTarget(u"rules001.city"_s);
-        Host::clickCheckBox(source, Host::rowOf(source, 2, u"srcaa001.custno"_s));
-        Host::clickCheckBox(source, Host::rowOf(source, 2, u"srcaa001.zip"_s));
-        Host::clickCheckBox(source, Host::rowOf(source, 2, u"srcbb002.city"_s));
+        clickCheckBox(source, rowOf(source, 2, u"srcaa001.custno"_s));
+        clickCheckBox(source, rowOf(source, 2, u"srcaa001.zip"_s));
+        clickCheckBox(source, rowOf(source, 2, u"srcbb002.city"_s));
         clickMap();
         QCOMPARE(host->rule(2), u"srcbb002.city,srcaa001.zip,srcaa001.custno"_s);
     }
@@ -190,10 +186,9 @@ private Q_SLOTS:
     void altPPressesMap()
     {
         QVERIFY(showRules());
-        QCOMPARE(host->button("CmdMap")->text(), u"Ma&p"_s);
         selectTarget(u"rules001.zip"_s);
-        Host::clickCheckBox(host->sourceList(), 10);
-        QCOMPARE(QApplication::focusWidget(), host->sourceList());
+        clickCheckBox(host->sourceFields(), 10);
+        QCOMPARE(QApplication::focusWidget(), host->sourceFields());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_P, Qt::AltModifier);
         // An access key presses its button the way a click does, a moment later.
         QTRY_COMPARE(host->rule(9), u"srcbb002.note"_s);
@@ -205,18 +200,16 @@ private Q_SLOTS:
     {
         QVERIFY(showRules());
         selectTarget(u"rules001.name"_s);
-        Host::clickCheckBox(host->sourceList(), 1);
+        clickCheckBox(host->sourceFields(), 1);
         clickMap();
         QCOMPARE(host->rule(1), u"srcaa001.name"_s);
         // NAME has no element yet: the host's text number creates one with TEXT only.
         host->setRuleTextNumber(1, u"name"_s, 7);
-        const XmlElement doc = host->document();
-        const XmlElement* name = doc.dump(1)->child(u"NAME"_s);
-        QVERIFY(name);
-        QVERIFY(!name->hasAttribute(u"No"_s));
-        QCOMPARE(name->attribute(u"TEXT"_s), u"7"_s);
-        QCOMPARE(name->text, u"srcaa001.name"_s); // stored by the read
-        QCOMPARE(name->attribute(u"TYPE"_s), u"0"_s);
+        const XmlElement name = host->document().dump(1).child(u"NAME"_s);
+        QVERIFY(!name.hasAttribute(u"No"_s));
+        QCOMPARE(name.attribute(u"TEXT"_s), u"7"_s);
+        QCOMPARE(name.text, u"srcaa001.name"_s); // stored by the read
+        QCOMPARE(name.attribute(u"TYPE"_s), u"0"_s);
     }
 
     // ---- &Guess ------------------------------------------------------------
@@ -239,18 +232,16 @@ private Q_SLOTS:
         clickGuess();
         // Had ZIP not been written yet, this would create it without No.
         host->setRuleTextNumber(3, u"zip"_s, 9);
-        const XmlElement doc = host->document();
-        const XmlElement* dump3 = doc.dump(3);
-        QVERIFY(dump3);
-        QCOMPARE(dump3->child(u"ZIP"_s)->attribute(u"No"_s), u"10"_s);
-        QCOMPARE(dump3->child(u"ZIP"_s)->attribute(u"TEXT"_s), u"9"_s);
-        QCOMPARE(dump3->childNames(), (QStringList{u"CUSTNO"_s, u"NAME"_s, u"CITY"_s, u"BORN"_s, u"STAMP"_s,
+        const XmlElement dump3 = host->document().dump(3);
+        QCOMPARE(dump3.child(u"ZIP"_s).attribute(u"No"_s), u"10"_s);
+        QCOMPARE(dump3.child(u"ZIP"_s).attribute(u"TEXT"_s), u"9"_s);
+        QCOMPARE(dump3.childNames(), (QStringList{u"CUSTNO"_s, u"NAME"_s, u"CITY"_s, u"BORN"_s, u"STAMP"_s,
                                                    u"NOTE__1"_s, u"NOTE__2"_s, u"ZIP"_s}));
-        const XmlElement* note1 = dump3->child(u"NOTE__1"_s);
-        QCOMPARE(note1->text, u"srcbb002.note"_s);
-        QCOMPARE(note1->attribute(u"No"_s), u"6"_s);
-        QCOMPARE(note1->attribute(u"TYPE"_s), u"0"_s);
-        QCOMPARE(dump3->child(u"BORN"_s)->text, u"utc(srcaa001.born,0,2)"_s);
+        const XmlElement note1 = dump3.child(u"NOTE__1"_s);
+        QCOMPARE(note1.text, u"srcbb002.note"_s);
+        QCOMPARE(note1.attribute(u"No"_s), u"6"_s);
+        QCOMPARE(note1.attribute(u"TYPE"_s), u"0"_s);
+        QCOMPARE(dump3.child(u"BORN"_s).text, u"utc(srcaa001.born,0,2)"_s);
     }
 
     void guessAsksWhenAnyRuleExists_data()
@@ -260,16 +251,16 @@ private Q_SLOTS:
         QTest::addColumn<int>("dump");
         QTest::addColumn<QString>("caption");
         QTest::newRow("a rule in row 0 only")
-            << QStringLiteral("<DUMP No=\"1\" TXT=\"First\"><CUSTNO No=\"1\" TYPE=\"0\" TEXT=\"\">x</CUSTNO></DUMP>")
-            << QStringLiteral("dump 1 First") << 1 << QStringLiteral("F&ields of Dump: 1:First");
+            << u"<DUMP No=\"1\" TXT=\"First\"><CUSTNO No=\"1\" TYPE=\"0\" TEXT=\"\">x</CUSTNO></DUMP>"_s
+            << u"dump 1 First"_s << 1 << u"F&ields of Dump: 1:First"_s;
         QTest::newRow("a rule in the last row only")
-            << QStringLiteral("<DUMP No=\"1\" TXT=\"First\"><ZIP No=\"10\" TYPE=\"0\" TEXT=\"\">x</ZIP></DUMP>")
-            << QStringLiteral("dump 1 First") << 1 << QStringLiteral("F&ields of Dump: 1:First");
-        QTest::newRow("the second dump") << rulesDumps() << QStringLiteral("dump 1 First\ndump 2 Second") << 2
-                                         << QStringLiteral("F&ields of Dump: 2:Second");
+            << u"<DUMP No=\"1\" TXT=\"First\"><ZIP No=\"10\" TYPE=\"0\" TEXT=\"\">x</ZIP></DUMP>"_s
+            << u"dump 1 First"_s << 1 << u"F&ields of Dump: 1:First"_s;
+        QTest::newRow("the second dump") << rulesDumps() << u"dump 1 First\ndump 2 Second"_s << 2
+                                         << u"F&ields of Dump: 2:Second"_s;
         QTest::newRow("dump 5: the title has no leading zero")
-            << QStringLiteral("<DUMP No=\"5\" TXT=\"Fifth\"><NAME No=\"2\" TYPE=\"0\" TEXT=\"\">x</NAME></DUMP>")
-            << QStringLiteral("dump 5 Fifth") << 5 << QStringLiteral("F&ields of Dump: 5:Fifth");
+            << u"<DUMP No=\"5\" TXT=\"Fifth\"><NAME No=\"2\" TYPE=\"0\" TEXT=\"\">x</NAME></DUMP>"_s
+            << u"dump 5 Fifth"_s << 5 << u"F&ields of Dump: 5:Fifth"_s;
     }
     void guessAsksWhenAnyRuleExists()
     {
@@ -277,12 +268,12 @@ private Q_SLOTS:
         QFETCH(QString, references);
         QFETCH(int, dump);
         QFETCH(QString, caption);
-        QVERIFY(show(QStringLiteral("rules001"),
-                     mappingObject(QStringLiteral("rules001"), rulesTargetFields(), rulesSourceTables(), dumps,
+        QVERIFY(show(u"rules001"_s,
+                     dumpsDocument(u"rules001"_s, rulesTargetFields(), rulesSourceTables(), dumps,
                                    references)));
-        if (host->cmbDump()->currentData().toInt() != dump)
+        if (host->combo(u"CmbDump"_s)->currentData().toInt() != dump)
             host->chooseDump(dump);
-        QCOMPARE(host->details()->title(), caption);
+        QCOMPARE(host->dumpCaption(), caption);
         host->activate();
         host->modals.expect(ModalAnswerer::press(QMessageBox::Yes));
         clickGuess();
@@ -306,18 +297,18 @@ private Q_SLOTS:
         host->modals.expect(ModalAnswerer::press(QMessageBox::No));
         clickGuess();
         QCOMPARE(host->modals.count(), 1);
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        QCOMPARE(host->rules(), firstDumpRules());
         QCOMPARE(host->xml(), before);
     }
 
     void guessKeepsRulesOfUnmatchedFields()
     {
-        const QString dumps = QStringLiteral(R"(<DUMP No="1" TXT="First">
+        const QString dumps = uR"(<DUMP No="1" TXT="First">
 <REMARK No="8" TYPE="0" TEXT="">keep.me</REMARK>
 <LANG No="9" TYPE="0" TEXT="">keep.too</LANG>
 <NAME No="2" TYPE="0" TEXT="">replace.me</NAME>
-</DUMP>)");
-        QVERIFY(show(QStringLiteral("rules001"), rulesDocument(dumps)));
+</DUMP>)"_s;
+        QVERIFY(show(u"rules001"_s, rulesDocument(dumps)));
         host->modals.expect(ModalAnswerer::press(QMessageBox::Yes));
         clickGuess();
         QStringList expected = kGuessedRules;
@@ -329,13 +320,13 @@ private Q_SLOTS:
     // Without source fields guessing ends at once: no question either.
     void guessWithoutSourceFieldsDoesNothing()
     {
-        QVERIFY(show(QStringLiteral("rules001"),
-                     mappingObject(QStringLiteral("rules001"), rulesTargetFields(), {{u"srcaa001"_s, QString()}},
-                                   rulesDumps(), QStringLiteral("dump 1 First"))));
-        QCOMPARE(host->sourceList()->model()->rowCount(), 0);
+        QVERIFY(show(u"rules001"_s,
+                     dumpsDocument(u"rules001"_s, rulesTargetFields(), {{u"srcaa001"_s, QString()}},
+                                   rulesDumps(), u"dump 1 First"_s)));
+        QCOMPARE(host->sourceFields()->model()->rowCount(), 0);
         clickGuess();
         QCOMPARE(host->modals.count(), 0);
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     // Among source fields of the same name, one of a table named like the
@@ -345,15 +336,15 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("tables");
         QTest::addColumn<QString>("rule");
         QTest::newRow("the last of two other tables")
-            << QStringList{u"srcaa001"_s, u"srcbb002"_s} << QStringLiteral("srcbb002.name");
+            << QStringList{u"srcaa001"_s, u"srcbb002"_s} << u"srcbb002.name"_s;
         QTest::newRow("the last of three other tables")
-            << QStringList{u"srcaa001"_s, u"srcbb002"_s, u"srccc003"_s} << QStringLiteral("srccc003.name");
+            << QStringList{u"srcaa001"_s, u"srcbb002"_s, u"srccc003"_s} << u"srccc003.name"_s;
         QTest::newRow("the target's own name first, another table later")
-            << QStringList{u"tgtab001"_s, u"srcbb002"_s} << QStringLiteral("tgtab001.name");
+            << QStringList{u"tgtab001"_s, u"srcbb002"_s} << u"tgtab001.name"_s;
         QTest::newRow("the target's own name in the middle")
-            << QStringList{u"srcaa001"_s, u"tgtab001"_s, u"srcbb002"_s} << QStringLiteral("tgtab001.name");
+            << QStringList{u"srcaa001"_s, u"tgtab001"_s, u"srcbb002"_s} << u"tgtab001.name"_s;
         QTest::newRow("the target's own name last")
-            << QStringList{u"srcaa001"_s, u"tgtab001"_s} << QStringLiteral("tgtab001.name");
+            << QStringList{u"srcaa001"_s, u"tgtab001"_s} << u"tgtab001.name"_s;
     }
     void guessTieBreak()
     {
@@ -361,13 +352,13 @@ private Q_SLOTS:
         QFETCH(QString, rule);
         QList<SourceTable> sources;
         for (const QString& t : tables)
-            sources.append({t, QStringLiteral(R"(<NAME No="1" TYPE="S" LENG="30"/><OTHER No="2" TYPE="S"/>)")});
-        const QString xml = mappingObject(QStringLiteral("tgtab001"),
-                                          QStringLiteral(R"(<NAME No="1" TYPE="S" LENG="30"/><CODE No="2" TYPE="S"/>)"),
-                                          sources, QStringLiteral("<DUMP No=\"1\" TXT=\"Tie\"/>"),
-                                          QStringLiteral("dump 1 Tie"));
-        QVERIFY(show(QStringLiteral("tgtab001"), xml));
-        QCOMPARE(host->sourceList()->model()->rowCount(), 2 * tables.size());
+            sources.append({t, uR"(<NAME No="1" TYPE="S" LENG="30"/><OTHER No="2" TYPE="S"/>)"_s});
+        const QString xml = dumpsDocument(u"tgtab001"_s,
+                                          uR"(<NAME No="1" TYPE="S" LENG="30"/><CODE No="2" TYPE="S"/>)"_s,
+                                          sources, u"<DUMP No=\"1\" TXT=\"Tie\"/>"_s,
+                                          u"dump 1 Tie"_s);
+        QVERIFY(show(u"tgtab001"_s, xml));
+        QCOMPARE(host->sourceFields()->model()->rowCount(), 2 * tables.size());
         clickGuess();
         QCOMPARE(host->modals.count(), 0);
         QCOMPARE(host->rules(), (QStringList{rule, QString()}));
@@ -379,22 +370,22 @@ private Q_SLOTS:
     // srcaa001.name does not.
     void guessTakesFieldNamesFromTheTenthCharacter()
     {
-        const QString xml = QStringLiteral(R"(<multi001><SRCTBL>srcaa001,srcaa01</SRCTBL><PREC TEXT="">migrate srcaa001
+        const QString xml = uR"(<multi001><SRCTBL>srcaa001,srcaa01</SRCTBL><PREC TEXT="">migrate srcaa001
 dump 1 Short
 end of precondition</PREC><DUMP No="1" TT="SHORT01" TXT="Short"/><MSCRIPT><SHORT01/></MSCRIPT>
 <TARTAB><SHORT01><NAME No="1" TYPE="S" LENG="30"/><CODE No="2" TYPE="S" LENG="30"/></SHORT01></TARTAB>
 <SRCTAB><SRCAA001><NAME No="1" TYPE="S" LENG="30"/></SRCAA001><SRCAA01><XAME No="1" TYPE="S" LENG="30"/></SRCAA01></SRCTAB>
-</multi001>)");
-        QVERIFY(show(QStringLiteral("multi001"), xml));
-        QCOMPARE(Host::column(host->grid(), 0), (QStringList{u"short01.name"_s, u"short01.code"_s}));
-        QCOMPARE(Host::column(host->sourceList(), 2), (QStringList{u"srcaa001.name"_s, u"srcaa01.xame"_s}));
+</multi001>)"_s;
+        QVERIFY(show(u"multi001"_s, xml));
+        QCOMPARE(rows(host->grid(), 0), (QStringList{u"short01.name"_s, u"short01.code"_s}));
+        QCOMPARE(rows(host->sourceFields(), 2), (QStringList{u"srcaa001.name"_s, u"srcaa01.xame"_s}));
         clickGuess();
         QCOMPARE(host->modals.count(), 0);
         QCOMPARE(host->rules(), (QStringList{u"srcaa01.xame"_s, QString()}));
 
         // Ma&p names the grid row the same way.
         selectTarget(u"short01.code"_s);
-        Host::clickCheckBox(host->sourceList(), 0);
+        clickCheckBox(host->sourceFields(), 0);
         clickMap();
         QCOMPARE(host->rules(), (QStringList{u"srcaa01.xame"_s, u"srcaa001.name"_s}));
     }
@@ -404,16 +395,16 @@ end of precondition</PREC><DUMP No="1" TT="SHORT01" TXT="Short"/><MSCRIPT><SHORT
     // exactly, and the later of the two wins.
     void guessArrayElements()
     {
-        const QString target = QStringLiteral(R"(
+        const QString target = uR"(
 <QTY__1 No="1" TYPE="L" DIGB="9"/><QTY__2 No="2" TYPE="L" DIGB="9"/><QTY__3 No="3" TYPE="L" DIGB="9"/>
-<NOTE__1 No="4" TYPE="S" LENG="20"/><NOTE__2 No="5" TYPE="S" LENG="20"/>)");
+<NOTE__1 No="4" TYPE="S" LENG="20"/><NOTE__2 No="5" TYPE="S" LENG="20"/>)"_s;
         const QList<SourceTable> sources{
-            {u"srcaa001"_s, QStringLiteral(R"(<QTY No="1" TYPE="L" DIGB="9"/><NOTE No="2" TYPE="S" LENG="20"/>)")},
-            {u"srcbb002"_s, QStringLiteral(R"(<QTY__3 No="1" TYPE="L" DIGB="9"/><NOTE__2 No="2" TYPE="S"/>)")}};
-        QVERIFY(show(QStringLiteral("array001"),
-                     mappingObject(QStringLiteral("array001"), target, sources,
-                                   QStringLiteral("<DUMP No=\"1\" TXT=\"Arrays\"/>"), QStringLiteral("dump 1 Arrays"))));
-        QCOMPARE(Host::column(host->grid(), 0),
+            {u"srcaa001"_s, uR"(<QTY No="1" TYPE="L" DIGB="9"/><NOTE No="2" TYPE="S" LENG="20"/>)"_s},
+            {u"srcbb002"_s, uR"(<QTY__3 No="1" TYPE="L" DIGB="9"/><NOTE__2 No="2" TYPE="S"/>)"_s}};
+        QVERIFY(show(u"array001"_s,
+                     dumpsDocument(u"array001"_s, target, sources,
+                                   u"<DUMP No=\"1\" TXT=\"Arrays\"/>"_s, u"dump 1 Arrays"_s)));
+        QCOMPARE(rows(host->grid(), 0),
                  (QStringList{u"array001.qty(1)"_s, u"array001.qty(2)"_s, u"array001.qty(3)"_s, u"array001.note(1)"_s,
                               u"array001.note(2)"_s}));
         clickGuess();

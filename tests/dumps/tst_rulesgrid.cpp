@@ -4,49 +4,48 @@
 // Tab, the overlay's place and size, and the host's GridEdit, GetRowNumber
 // and FieldMapping.
 
-#include "DumpsHarness.h"
+#include "WidgetHarness.h"
 
-using namespace dumpstest;
+#include <QMap>
 
-namespace {
-const QStringList kFirstDumpRules{u"srcaa001.custno"_s, {}, u"srcbb002.city"_s, {}, {}, {}, {}, {}, {},
-                                  u"srcaa001.zip"_s};
-}
+using namespace fbtest;
 
 class RulesGridTest : public QObject {
     Q_OBJECT
 
-private:
     std::unique_ptr<Host> host;
 
-    bool showRules()
+    bool showRules(bool edit = true)
     {
-        if (!host->open(QStringLiteral("rules001"), rulesDocument()))
+        if (!host->open(u"rules001"_s, rulesDocument(), edit))
             return false;
-        host->enterDefineDumps();
-        return host->grid()->model()->rowCount() == 10 && host->rules() == kFirstDumpRules;
+        host->clickTab(1);
+        return host->rules() == firstDumpRules();
     }
-
-    // A person clicks a cell and types: the first key opens the overlay,
-    // the rest goes into it.
+    // A person clicks a cell and types: the first key opens the overlay, the
+    // rest goes into it.
     void typeOver(int row, int column, const QString& text)
     {
-        Host::clickCell(host->grid(), row, column);
+        clickCell(host->grid(), row, column);
         QTest::keyClick(host->grid(), text.at(0).toLatin1());
-        if (text.size() > 1)
-            QTest::keyClicks(host->overlay(), text.mid(1));
+        QTest::keyClicks(host->overlay(), text.mid(1));
     }
-
+    // Click a cell, Enter opens its rule in the overlay.
+    void openRule(int row)
+    {
+        clickCell(host->grid(), row, 1);
+        QTest::keyClick(host->grid(), Qt::Key_Return);
+    }
     int gridRow() const { return host->grid()->currentIndex().row(); }
     int gridColumn() const { return host->grid()->currentIndex().column(); }
-    QString overlayText() const { return host->overlay()->property("plainText").toString(); }
+    QString overlayText() const { return plainText(host->overlay()); }
 
 private Q_SLOTS:
     void initTestCase() { installMessageFilter(); }
     void init() { host = std::make_unique<Host>(); }
     void cleanup()
     {
-        QCOMPARE(host->modals.unexpected(), 0);
+        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
         host.reset();
     }
 
@@ -54,10 +53,10 @@ private Q_SLOTS:
     {
         QVERIFY(showRules());
         QCOMPARE(host->grid()->model()->columnCount(), 2);
-        QCOMPARE(Host::column(host->grid(), 0),
+        QCOMPARE(rows(host->grid(), 0),
                  (QStringList{u"rules001.custno"_s, u"rules001.name"_s, u"rules001.city"_s, u"rules001.born"_s,
-                              u"rules001.stamp"_s, u"rules001.note(1)"_s, u"rules001.note(2)"_s,
-                              u"rules001.remark"_s, u"rules001.lang"_s, u"rules001.zip"_s}));
+                              u"rules001.stamp"_s, u"rules001.note(1)"_s, u"rules001.note(2)"_s, u"rules001.remark"_s,
+                              u"rules001.lang"_s, u"rules001.zip"_s}));
         QVERIFY(!host->overlay()->isVisible());
     }
 
@@ -67,25 +66,17 @@ private Q_SLOTS:
         QTest::addColumn<QString>("action");
         QTest::addColumn<QString>("overlay");
         // Row 2 holds the rule "srcbb002.city".
-        QTest::newRow("a letter typed over the rule starts a new rule with it")
-            << 1 << QStringLiteral("key q") << QStringLiteral("q");
-        QTest::newRow("a letter typed over the field name starts the rule")
-            << 0 << QStringLiteral("key q") << QStringLiteral("q");
-        QTest::newRow("a digit typed over the rule") << 1 << QStringLiteral("key 7") << QStringLiteral("7");
-        QTest::newRow("Enter opens the rule unchanged") << 1 << QStringLiteral("enter")
-                                                        << QStringLiteral("srcbb002.city");
-        QTest::newRow("Enter on the field name opens the rule")
-            << 0 << QStringLiteral("enter") << QStringLiteral("srcbb002.city");
-        QTest::newRow("Space opens the rule unchanged") << 1 << QStringLiteral("space")
-                                                        << QStringLiteral("srcbb002.city");
-        QTest::newRow("Escape opens the rule unchanged") << 1 << QStringLiteral("escape")
-                                                         << QStringLiteral("srcbb002.city");
-        QTest::newRow("Backspace opens the rule unchanged") << 1 << QStringLiteral("backspace")
-                                                            << QStringLiteral("srcbb002.city");
-        QTest::newRow("double click opens the rule unchanged")
-            << 1 << QStringLiteral("double click") << QStringLiteral("srcbb002.city");
-        QTest::newRow("double click on the field name opens the rule")
-            << 0 << QStringLiteral("double click") << QStringLiteral("srcbb002.city");
+        const QString rule = u"srcbb002.city"_s;
+        QTest::newRow("a letter typed over the rule starts a new rule with it") << 1 << u"key q"_s << u"q"_s;
+        QTest::newRow("a letter typed over the field name starts the rule") << 0 << u"key q"_s << u"q"_s;
+        QTest::newRow("a digit typed over the rule") << 1 << u"key 7"_s << u"7"_s;
+        QTest::newRow("Enter opens the rule unchanged") << 1 << u"enter"_s << rule;
+        QTest::newRow("Enter on the field name opens the rule") << 0 << u"enter"_s << rule;
+        QTest::newRow("Space opens the rule unchanged") << 1 << u"space"_s << rule;
+        QTest::newRow("Escape opens the rule unchanged") << 1 << u"escape"_s << rule;
+        QTest::newRow("Backspace opens the rule unchanged") << 1 << u"backspace"_s << rule;
+        QTest::newRow("double click opens the rule unchanged") << 1 << u"double click"_s << rule;
+        QTest::newRow("double click on the field name opens the rule") << 0 << u"double click"_s << rule;
     }
     void startingAnEdit()
     {
@@ -93,20 +84,16 @@ private Q_SLOTS:
         QFETCH(QString, action);
         QFETCH(QString, overlay);
         QVERIFY(showRules());
-        QTableView* grid = host->grid();
-        if (action == u"double click") {
-            Host::doubleClickCell(grid, 2, column);
+        QAbstractItemView* grid = host->grid();
+        if (action == u"double click"_s) {
+            doubleClickCell(grid, 2, column);
         } else {
-            Host::clickCell(grid, 2, column);
+            clickCell(grid, 2, column);
             QCOMPARE(gridColumn(), column);
-            if (action == u"enter")
-                QTest::keyClick(grid, Qt::Key_Return);
-            else if (action == u"space")
-                QTest::keyClick(grid, Qt::Key_Space);
-            else if (action == u"escape")
-                QTest::keyClick(grid, Qt::Key_Escape);
-            else if (action == u"backspace")
-                QTest::keyClick(grid, Qt::Key_Backspace);
+            const QMap<QString, Qt::Key> keys{{u"enter"_s, Qt::Key_Return}, {u"space"_s, Qt::Key_Space},
+                                             {u"escape"_s, Qt::Key_Escape}, {u"backspace"_s, Qt::Key_Backspace}};
+            if (keys.contains(action))
+                QTest::keyClick(grid, keys.value(action));
             else
                 QTest::keyClick(grid, action.back().toLatin1());
         }
@@ -117,16 +104,16 @@ private Q_SLOTS:
         QCOMPARE(gridColumn(), 1);
         // Nothing is written before the edit is committed.
         QCOMPARE(host->rule(2), u"srcbb002.city"_s);
-        QCOMPARE(Host::cell(grid, 2, 0), u"rules001.city"_s);
+        QCOMPARE(cell(grid, 2, 0), u"rules001.city"_s);
     }
 
     void editStartedOnTheFieldNameWritesTheRule()
     {
         QVERIFY(showRules());
         typeOver(1, 0, u"abc"_s);
-        Host::clickCell(host->grid(), 5, 1);
+        clickCell(host->grid(), 5, 1);
         QVERIFY(!host->overlay()->isVisible());
-        QCOMPARE(Host::cell(host->grid(), 1, 0), u"rules001.name"_s);
+        QCOMPARE(cell(host->grid(), 1, 0), u"rules001.name"_s);
         QCOMPARE(host->rule(1), u"abc"_s);
     }
 
@@ -135,32 +122,30 @@ private Q_SLOTS:
     {
         QVERIFY(showRules());
         typeOver(1, 1, u"left(srcaa001.name, 10)"_s);
-        Host::clickCell(host->grid(), 5, 1);
+        clickCell(host->grid(), 5, 1);
         QCOMPARE(host->rule(1), u"left(srcaa001.name, 10)"_s);
         // Had NAME not been written yet, this would create it without No.
         host->setRuleTextNumber(1, u"name"_s, 41);
         XmlElement doc = host->document();
-        const XmlElement* name = doc.dump(1)->child(u"NAME"_s);
-        QVERIFY(name);
-        QCOMPARE(name->attribute(u"No"_s), u"2"_s);
-        QCOMPARE(name->attribute(u"TYPE"_s), u"0"_s);
-        QCOMPARE(name->text, u"left(srcaa001.name, 10)"_s);
+        const XmlElement name = doc.dump(1).child(u"NAME"_s);
+        QCOMPARE(name.attribute(u"No"_s), u"2"_s);
+        QCOMPARE(name.attribute(u"TYPE"_s), u"0"_s);
+        QCOMPARE(name.text, u"left(srcaa001.name, 10)"_s);
 
         // The element as the store creates it.
         typeOver(3, 1, u"utc(srcaa001.born,0,2)"_s);
-        Host::clickCell(host->grid(), 6, 1);
+        clickCell(host->grid(), 6, 1);
         doc = host->document();
-        const XmlElement* born = doc.dump(1)->child(u"BORN"_s);
-        QVERIFY(born);
-        QCOMPARE(born->attribute(u"No"_s), u"4"_s);
-        QCOMPARE(born->attribute(u"TYPE"_s), u"0"_s);
-        QVERIFY(born->hasAttribute(u"TEXT"_s));
-        QCOMPARE(born->attribute(u"TEXT"_s), QString());
-        QCOMPARE(born->text, u"utc(srcaa001.born,0,2)"_s);
+        const XmlElement born = doc.dump(1).child(u"BORN"_s);
+        QCOMPARE(born.attribute(u"No"_s), u"4"_s);
+        QCOMPARE(born.attribute(u"TYPE"_s), u"0"_s);
+        QVERIFY(born.hasAttribute(u"TEXT"_s));
+        QCOMPARE(born.attribute(u"TEXT"_s), QString());
+        QCOMPARE(born.text, u"utc(srcaa001.born,0,2)"_s);
         // Rules of other fields are untouched; a single-target dump gets no TT.
-        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"srcbb002.city"_s);
-        QVERIFY(!doc.dump(1)->hasAttribute(u"TT"_s));
-        QCOMPARE(doc.dump(2)->childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
+        QCOMPARE(doc.dump(1).child(u"CITY"_s).text, u"srcbb002.city"_s);
+        QVERIFY(!doc.dump(1).hasAttribute(u"TT"_s));
+        QCOMPARE(doc.dump(2).childNames(), (QStringList{u"NAME"_s, u"REMARK"_s}));
     }
 
     void escapeLeavesTheCellAsItWas_data()
@@ -168,9 +153,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::addColumn<QString>("start");
         QTest::addColumn<QString>("typed");
-        QTest::newRow("typed over a rule") << 2 << QStringLiteral("z") << QStringLiteral("zz");
-        QTest::newRow("added to a rule opened with Enter") << 2 << QStringLiteral("enter") << QStringLiteral(" + 1");
-        QTest::newRow("typed over an empty cell") << 4 << QStringLiteral("z") << QStringLiteral("zz");
+        QTest::newRow("typed over a rule") << 2 << u"z"_s << u"zz"_s;
+        QTest::newRow("added to a rule opened with Enter") << 2 << u"enter"_s << u" + 1"_s;
+        QTest::newRow("typed over an empty cell") << 4 << u"z"_s << u"zz"_s;
     }
     void escapeLeavesTheCellAsItWas()
     {
@@ -179,52 +164,43 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QVERIFY(showRules());
         const QString before = host->rule(row);
-        Host::clickCell(host->grid(), row, 1);
-        if (start == u"enter")
-            QTest::keyClick(host->grid(), Qt::Key_Return);
-        else
-            QTest::keyClick(host->grid(), start.at(0).toLatin1());
-        QTest::keyClicks(host->overlay(), typed);
+        if (start == u"enter"_s) {
+            openRule(row);
+            QTest::keyClicks(host->overlay(), typed);
+        } else {
+            typeOver(row, 1, start + typed);
+        }
         QVERIFY(overlayText() != before);
         QTest::keyClick(host->overlay(), Qt::Key_Escape);
         QVERIFY(!host->overlay()->isVisible());
         QCOMPARE(QApplication::focusWidget(), host->grid());
         QCOMPARE(host->rule(row), before);
         // Leaving the cell afterwards writes nothing either.
-        Host::clickCell(host->grid(), 8, 1);
-        QCOMPARE(host->rule(row), before);
-        QCOMPARE(host->rules(), kFirstDumpRules);
-        const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s, u"CITY"_s}));
-        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"srcbb002.city"_s);
+        clickCell(host->grid(), 8, 1);
+        QCOMPARE(host->rules(), firstDumpRules());
+        const XmlElement dump1 = host->document().dump(1);
+        QCOMPARE(dump1.childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s, u"CITY"_s}));
+        QCOMPARE(dump1.child(u"CITY"_s).text, u"srcbb002.city"_s);
     }
 
     void ruleOfTwoLines()
     {
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 7, 1);
-        QTest::keyClick(host->grid(), Qt::Key_Return);
-        QTest::keyClicks(host->overlay(), u"if srcaa001.memo then"_s);
-        QTest::keyClick(host->overlay(), Qt::Key_Return);
-        QTest::keyClicks(host->overlay(), u"return 1"_s);
+        openRule(7);
+        typeText(host->overlay(), u"if srcaa001.memo then\nreturn 1"_s);
         QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
-        Host::clickCell(host->grid(), 0, 1);
+        clickCell(host->grid(), 0, 1);
         QCOMPARE(host->rule(7), u"if srcaa001.memo then\r\nreturn 1"_s);
-
-        const XmlElement doc = host->document();
-        const XmlElement* remark = doc.dump(1)->child(u"REMARK"_s);
-        QVERIFY(remark);
-        QCOMPARE(remark->attribute(u"TYPE"_s), u"1"_s);
-        QCOMPARE(remark->attribute(u"No"_s), u"8"_s);
-        QCOMPARE(remark->text, u"if srcaa001.memo then\nreturn 1"_s);
-
+        const XmlElement remark = host->document().dump(1).child(u"REMARK"_s);
+        QCOMPARE(remark.attribute(u"TYPE"_s), u"1"_s);
+        QCOMPARE(remark.attribute(u"No"_s), u"8"_s);
+        QCOMPARE(remark.text, u"if srcaa001.memo then\nreturn 1"_s);
         // Away to dump 2 and back: the rule shows as two lines again.
         host->chooseDump(2);
         QCOMPARE(host->rule(7), u"line one\r\nline two"_s);
         host->chooseDump(1);
         QCOMPARE(host->rule(7), u"if srcaa001.memo then\r\nreturn 1"_s);
-        Host::clickCell(host->grid(), 7, 1);
-        QTest::keyClick(host->grid(), Qt::Key_Return);
+        openRule(7);
         QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
     }
 
@@ -232,18 +208,16 @@ private Q_SLOTS:
     // "&lt;" typed into a rule come back as "<" after the dump is shown again.
     void ruleTextIsDecodedWhenShown()
     {
-        const QString dumps = QStringLiteral(R"(<DUMP No="1" TXT="First">
+        const QString dumps = uR"(<DUMP No="1" TXT="First">
 <NAME No="2" TYPE="0" TEXT="">a &amp;lt; b &amp;amp;&amp;amp; c &gt; d</NAME>
-</DUMP><DUMP No="2" TXT="Second"/>)");
-        QVERIFY(host->open(QStringLiteral("rules001"), rulesDocument(dumps)));
-        host->enterDefineDumps();
+</DUMP><DUMP No="2" TXT="Second"/>)"_s;
+        QVERIFY(host->open(u"rules001"_s, rulesDocument(dumps)));
+        host->clickTab(1);
         QCOMPARE(host->rule(1), u"a < b && c > d"_s);
-
         typeOver(2, 1, u"x &lt; y &amp; z"_s);
-        Host::clickCell(host->grid(), 0, 1);
+        clickCell(host->grid(), 0, 1);
         QCOMPARE(host->rule(2), u"x &lt; y &amp; z"_s);
-        const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->child(u"CITY"_s)->text, u"x &lt; y &amp; z"_s);
+        QCOMPARE(host->document().dump(1).child(u"CITY"_s).text, u"x &lt; y &amp; z"_s);
         host->chooseDump(2);
         host->chooseDump(1);
         QCOMPARE(host->rule(2), u"x < y & z"_s);
@@ -254,31 +228,26 @@ private Q_SLOTS:
     {
         QVERIFY(showRules());
         host->chooseDump(2);
-        Host::clickCell(host->grid(), 7, 1);
-        QTest::keyClick(host->grid(), Qt::Key_Return);
+        openRule(7);
         QCOMPARE(overlayText(), u"line one\nline two"_s);
         QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
         QTest::keyClicks(host->overlay(), u"one line"_s);
-        Host::clickCell(host->grid(), 0, 1);
-        const XmlElement doc = host->document();
-        const XmlElement* remark = doc.dump(2)->child(u"REMARK"_s);
-        QVERIFY(remark);
-        QCOMPARE(remark->text, u"one line"_s);
-        QCOMPARE(remark->attribute(u"TYPE"_s), u"0"_s);
+        clickCell(host->grid(), 0, 1);
+        const XmlElement remark = host->document().dump(2).child(u"REMARK"_s);
+        QCOMPARE(remark.text, u"one line"_s);
+        QCOMPARE(remark.attribute(u"TYPE"_s), u"0"_s);
     }
 
     void clearingARuleRemovesItsElement()
     {
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 2, 1);
-        QTest::keyClick(host->grid(), Qt::Key_Return);
+        openRule(2);
         QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(host->overlay(), Qt::Key_Delete);
         QCOMPARE(overlayText(), QString());
-        Host::clickCell(host->grid(), 5, 1);
+        clickCell(host->grid(), 5, 1);
         QCOMPARE(host->rule(2), QString());
-        const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s}));
+        QCOMPARE(host->document().dump(1).childNames(), (QStringList{u"ZIP"_s, u"CUSTNO"_s}));
     }
 
     // Committing by moving the focus away moves on to the row below, but
@@ -297,8 +266,8 @@ private Q_SLOTS:
         QFETCH(int, after);
         QVERIFY(showRules());
         typeOver(row, 1, u"w"_s);
-        Host::clickCell(host->sourceList(), 0, 2);
-        QCOMPARE(QApplication::focusWidget(), host->sourceList());
+        clickCell(host->sourceFields(), 0, 2);
+        QCOMPARE(QApplication::focusWidget(), host->sourceFields());
         QVERIFY(!host->overlay()->isVisible());
         QCOMPARE(host->rule(row), u"w"_s);
         QCOMPARE(gridRow(), after);
@@ -310,8 +279,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("row");
         QTest::addColumn<QString>("element");
-        QTest::newRow("a middle row") << 1 << QStringLiteral("NAME");
-        QTest::newRow("the last row") << 9 << QStringLiteral("ZIP");
+        QTest::newRow("a middle row") << 1 << u"NAME"_s;
+        QTest::newRow("the last row") << 9 << u"ZIP"_s;
     }
     void openEditIsKeptWhenAnotherDumpIsChosen()
     {
@@ -320,12 +289,12 @@ private Q_SLOTS:
         QVERIFY(showRules());
         typeOver(row, 1, u"pending"_s);
         host->chooseDump(2);
-        QCOMPARE(host->details()->title(), u"F&ields of Dump: 2:Second"_s);
+        QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 2:Second"_s);
         QVERIFY(!host->overlay()->isVisible());
         const XmlElement doc = host->document();
-        QCOMPARE(doc.dump(1)->child(element)->text, u"pending"_s);
-        QVERIFY(!doc.dump(2)->child(u"ZIP"_s));
-        QCOMPARE(doc.dump(2)->child(u"NAME"_s)->text, u"srcaa001.name"_s);
+        QCOMPARE(doc.dump(1).child(element).text, u"pending"_s);
+        QVERIFY(doc.dump(2).child(u"ZIP"_s).isNull());
+        QCOMPARE(doc.dump(2).child(u"NAME"_s).text, u"srcaa001.name"_s);
         host->chooseDump(1);
         QCOMPARE(host->rule(row), u"pending"_s);
     }
@@ -333,16 +302,14 @@ private Q_SLOTS:
     // In read-only mode the overlay is locked: typing changes no rule.
     void overlayIsLockedInReadOnlyMode()
     {
-        QVERIFY(host->open(QStringLiteral("rules001"), rulesDocument(), false));
-        host->enterDefineDumps();
-        Host::clickCell(host->grid(), 2, 1);
-        QTest::keyClick(host->grid(), Qt::Key_Return);
+        QVERIFY(showRules(false));
+        openRule(2);
         QVERIFY(host->overlay()->isVisible());
-        QVERIFY(host->overlay()->property("readOnly").toBool());
+        QVERIFY(host->readOnly(u"txtgrdline"_s));
         QTest::keyClicks(host->overlay(), u"abc"_s);
         QCOMPARE(overlayText(), u"srcbb002.city"_s);
-        Host::clickCell(host->grid(), 5, 1);
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        clickCell(host->grid(), 5, 1);
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     void tabInTheGrid_data()
@@ -360,13 +327,13 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(int, after);
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), row, column);
+        clickCell(host->grid(), row, column);
         QTest::keyClick(host->grid(), Qt::Key_Tab);
         QCOMPARE(gridRow(), after);
         QCOMPARE(gridColumn(), 1);
         QCOMPARE(QApplication::focusWidget(), host->grid());
         QVERIFY(!host->overlay()->isVisible());
-        QCOMPARE(host->rules(), kFirstDumpRules);
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     void tabInTheOverlayCommits()
@@ -393,19 +360,16 @@ private Q_SLOTS:
     {
         QFETCH(int, row);
         QVERIFY(showRules());
-        QTableView* grid = host->grid();
-        Host::clickCell(grid, row, 1);
-        QTest::keyClick(grid, Qt::Key_Return);
-        QPlainTextEdit* overlay = host->overlay();
+        QAbstractItemView* grid = host->grid();
+        QWidget* overlay = host->overlay();
+        openRule(row);
         QVERIFY(overlay->isVisible());
         const QRect cell = grid->visualRect(grid->currentIndex());
-        const QPoint cellTopLeft = grid->viewport()->mapToGlobal(cell.topLeft());
-        QCOMPARE(overlay->mapToGlobal(QPoint(0, 0)), cellTopLeft);
+        QCOMPARE(overlay->mapToGlobal(QPoint(0, 0)), grid->viewport()->mapToGlobal(cell.topLeft()));
         QCOMPARE(overlay->height(), cell.height());
         const double narrower = 70.0 * grid->logicalDpiX() / 1440.0; // about 5 px at 96 DPI
-        const int difference = cell.width() - overlay->width();
-        QVERIFY2(qAbs(difference - narrower) < 1.0,
-                 qPrintable(QStringLiteral("cell %1 px, overlay %2 px").arg(cell.width()).arg(overlay->width())));
+        QVERIFY2(qAbs(cell.width() - overlay->width() - narrower) < 1.0,
+                 qPrintable(u"cell %1 px, overlay %2 px"_s.arg(cell.width()).arg(overlay->width())));
         QCOMPARE(overlay->font().family(), grid->font().family());
         QCOMPARE(overlay->font().pointSizeF(), grid->font().pointSizeF());
     }
@@ -424,8 +388,8 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(int, key);
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), 9, column);
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GridEdit", Q_ARG(short, short(key))));
+        clickCell(host->grid(), 9, column);
+        QVERIFY(QMetaObject::invokeMethod(host->ctl, "GridEdit", Q_ARG(short, short(key))));
         QVERIFY(host->overlay()->isVisible());
         QCOMPARE(QApplication::focusWidget(), host->overlay());
         QCOMPARE(overlayText(), u"srcaa001.zip"_s);
@@ -433,24 +397,24 @@ private Q_SLOTS:
         QCOMPARE(gridColumn(), 1);
         // The host's edit commits like a typed one.
         QTest::keyClicks(host->overlay(), u"_2"_s);
-        Host::clickCell(host->grid(), 0, 1);
+        clickCell(host->grid(), 0, 1);
         QCOMPARE(host->rule(9), u"srcaa001.zip_2"_s);
-        QCOMPARE(Host::cell(host->grid(), 9, 0), u"rules001.zip"_s);
+        QCOMPARE(cell(host->grid(), 9, 0), u"rules001.zip"_s);
     }
 
     void getRowNumber_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("row");
-        QTest::newRow("first row is 0") << QStringLiteral("rules001.custno") << 0;
-        QTest::newRow("qualified name") << QStringLiteral("rules001.city") << 2;
-        QTest::newRow("array element") << QStringLiteral("rules001.note(2)") << 6;
-        QTest::newRow("last row") << QStringLiteral("rules001.zip") << 9;
-        QTest::newRow("field part alone") << QStringLiteral("city") << -1;
-        QTest::newRow("upper case") << QStringLiteral("RULES001.CITY") << -1;
-        QTest::newRow("stored array form") << QStringLiteral("rules001.note__2") << -1;
-        QTest::newRow("a prefix of a name") << QStringLiteral("rules001.cit") << -1;
-        QTest::newRow("a rule text") << QStringLiteral("srcbb002.city") << -1;
+        QTest::newRow("first row is 0") << u"rules001.custno"_s << 0;
+        QTest::newRow("qualified name") << u"rules001.city"_s << 2;
+        QTest::newRow("array element") << u"rules001.note(2)"_s << 6;
+        QTest::newRow("last row") << u"rules001.zip"_s << 9;
+        QTest::newRow("field part alone") << u"city"_s << -1;
+        QTest::newRow("upper case") << u"RULES001.CITY"_s << -1;
+        QTest::newRow("stored array form") << u"rules001.note__2"_s << -1;
+        QTest::newRow("a prefix of a name") << u"rules001.cit"_s << -1;
+        QTest::newRow("a rule text") << u"srcbb002.city"_s << -1;
     }
     void getRowNumber()
     {
@@ -458,8 +422,7 @@ private Q_SLOTS:
         QFETCH(int, row);
         QVERIFY(showRules());
         int result = -2;
-        QVERIFY(QMetaObject::invokeMethod(host->control, "GetRowNumber", Q_RETURN_ARG(int, result),
-                                          Q_ARG(QString, name)));
+        QVERIFY(QMetaObject::invokeMethod(host->ctl, "GetRowNumber", Q_RETURN_ARG(int, result), Q_ARG(QString, name)));
         QCOMPARE(result, row);
     }
 
@@ -468,10 +431,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("column");
         QTest::addColumn<QString>("rule");
-        QTest::newRow("first row") << 0 << 1 << QStringLiteral("f(srcaa001.custno)");
-        QTest::newRow("a row without a rule") << 4 << 1 << QStringLiteral("utc.utc(srcbb002.stamp)");
-        QTest::newRow("field name current: the rule cell takes it") << 6 << 0 << QStringLiteral("g()");
-        QTest::newRow("last row, two lines") << 9 << 1 << QStringLiteral("a\r\nb");
+        QTest::newRow("first row") << 0 << 1 << u"f(srcaa001.custno)"_s;
+        QTest::newRow("a row without a rule") << 4 << 1 << u"utc.utc(srcbb002.stamp)"_s;
+        QTest::newRow("field name current: the rule cell takes it") << 6 << 0 << u"g()"_s;
+        QTest::newRow("last row, two lines") << 9 << 1 << u"a\r\nb"_s;
     }
     void fieldMapping()
     {
@@ -479,17 +442,16 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QString, rule);
         QVERIFY(showRules());
-        Host::clickCell(host->grid(), row, column);
-        QCOMPARE(host->control->property("FieldMapping").toString(), QString::number(row));
-        const QString name = Host::cell(host->grid(), row, 0);
-        host->control->setProperty("FieldMapping", rule);
-        QCOMPARE(host->rule(row), rule);
-        QCOMPARE(Host::cell(host->grid(), row, 0), name);
+        clickCell(host->grid(), row, column);
+        QCOMPARE(host->ctl->property("FieldMapping").toString(), QString::number(row));
+        const QString name = cell(host->grid(), row, 0);
+        host->ctl->setProperty("FieldMapping", rule);
+        QStringList expected = firstDumpRules();
+        expected[row] = rule;
+        QCOMPARE(host->rules(), expected);
+        QCOMPARE(cell(host->grid(), row, 0), name);
         // Reading gives the row number, not the text assigned.
-        QCOMPARE(host->control->property("FieldMapping").toString(), QString::number(row));
-        for (int r = 0; r < 10; ++r)
-            if (r != row)
-                QCOMPARE(host->rule(r), kFirstDumpRules[r]);
+        QCOMPARE(host->ctl->property("FieldMapping").toString(), QString::number(row));
     }
 
     // Entering a grid cell selects that field in the target list, wherever
@@ -497,18 +459,16 @@ private Q_SLOTS:
     void enteringACellSelectsTheTargetField()
     {
         QVERIFY(showRules());
-        QTreeView* list = host->targetList();
-        Host::clickHeader(list, 3);
-        Host::clickHeader(list, 3); // descending by name
-        QCOMPARE(Host::cell(list, 0, 3), u"rules001.zip"_s);
-
-        Host::clickCell(host->grid(), 4, 1);
-        QCOMPARE(Host::cell(list, list->currentIndex().row(), 3), u"rules001.stamp"_s);
+        QTreeView* list = host->targetFields();
+        clickHeader(list, 3);
+        clickHeader(list, 3); // descending by name
+        QCOMPARE(cell(list, 0, 3), u"rules001.zip"_s);
+        clickCell(host->grid(), 4, 1);
+        QCOMPARE(cell(list, list->currentIndex().row(), 3), u"rules001.stamp"_s);
         QVERIFY(list->selectionModel()->isRowSelected(list->currentIndex().row(), QModelIndex()));
-
         QTest::keyClick(host->grid(), Qt::Key_Down);
         QCOMPARE(gridRow(), 5);
-        QCOMPARE(Host::cell(list, list->currentIndex().row(), 3), u"rules001.note(1)"_s);
+        QCOMPARE(cell(list, list->currentIndex().row(), 3), u"rules001.note(1)"_s);
         QVERIFY(list->selectionModel()->isRowSelected(list->currentIndex().row(), QModelIndex()));
         QVERIFY(!host->overlay()->isVisible());
     }

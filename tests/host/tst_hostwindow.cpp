@@ -2,82 +2,26 @@
 // open a mapping object, press the control's buttons, answer the host's
 // dialogs, save, and read the file that was written.
 #include "HostWindow.h"
-#include "ModalWatcher.h"
+#include "WidgetHarness.h"
 
-#include <QAbstractItemView>
 #include <QAction>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QListWidget>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabBar>
-#include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTest>
-#include <QXmlStreamReader>
 
-#include <memory>
-
-using namespace Qt::StringLiterals;
+using namespace fbtest;
 
 namespace {
-
-QString examplesDir()
-{
-    return QString::fromLocal8Bit(qgetenv("FIELDBRIDGE_EXAMPLES"));
-}
 
 QString readAll(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readAll());
-}
-
-// The text and attributes of the first element at root/section (optionally
-// with attribute = value) or root/section/child.
-struct Element {
-    bool found = false;
-    QString text;
-    QXmlStreamAttributes attributes;
-};
-
-Element findElement(const QString& xml, const QString& section, const QString& attribute = {},
-                    const QString& value = {}, const QString& child = {})
-{
-    QXmlStreamReader reader(xml);
-    int depth = 0;
-    bool inSection = false;
-    while (!reader.atEnd()) {
-        const auto token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement) {
-            if (depth == 2)
-                inSection = false;
-            --depth;
-            continue;
-        }
-        if (token != QXmlStreamReader::StartElement)
-            continue;
-        ++depth;
-        if (depth == 2 && reader.name() == section &&
-            (attribute.isEmpty() || reader.attributes().value(attribute) == value)) {
-            if (child.isEmpty()) {
-                Element e{true, {}, reader.attributes()};
-                e.text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
-                return e;
-            }
-            inSection = true;
-        } else if (depth == 3 && inSection && reader.name() == child) {
-            Element e{true, {}, reader.attributes()};
-            e.text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
-            return e;
-        }
-    }
-    return {};
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 template <typename T>
@@ -137,7 +81,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<HostWindow> m_window;
-    std::unique_ptr<ModalWatcher> m_watcher;
+    std::unique_ptr<fbtest::ModalAnswerer> m_watcher;
 };
 
 void TestHostWindow::init()
@@ -145,7 +89,7 @@ void TestHostWindow::init()
     m_dir = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dir->isValid());
     m_window = std::make_unique<HostWindow>();
-    m_watcher = std::make_unique<ModalWatcher>();
+    m_watcher = std::make_unique<fbtest::ModalAnswerer>();
 }
 
 void TestHostWindow::cleanup()
@@ -161,7 +105,7 @@ void TestHostWindow::cleanup()
 
 QString TestHostWindow::copySample(const QString& name, const QString& from, const QString& to)
 {
-    QString text = readAll(examplesDir() + u'/' + name);
+    QString text = readSample(name);
     if (!from.isEmpty()) {
         const qsizetype at = text.indexOf(from);
         if (at < 0)
@@ -235,7 +179,7 @@ void TestHostWindow::builderAnswersReachTheSavedFile()
 
     const QString path = copySample(u"klmno001.xml"_s);
     openAndShow(path);
-    const QString before = findElement(readAll(path), section, attribute, value).text;
+    const QString before = parseXml(readAll(path)).child(section, attribute, value).text;
     QVERIFY(!before.isEmpty());
 
     bool answered = false;
@@ -271,9 +215,9 @@ void TestHostWindow::builderAnswersReachTheSavedFile()
     action(*m_window, "actionSave")->trigger();
     QVERIFY(!m_window->isWindowModified());
     const QString saved = readAll(path);
-    const Element element = findElement(saved, section, attribute, value);
-    QVERIFY(element.found);
-    QCOMPARE(element.text, MappingFile::toEditorBreaks(before) + u"\n| reviewed pqrst002.custno"_s);
+    const XmlElement element = parseXml(saved).child(section, attribute, value);
+    QVERIFY(!element.isNull());
+    QCOMPARE(element.text, before + u"\n| reviewed pqrst002.custno"_s);
     QVERIFY(!m_window->isModified());
 }
 
@@ -339,7 +283,7 @@ void TestHostWindow::sourceTablePickerAnswersSourceTables()
     QCOMPARE(m_window->control()->property("SourceTables").toString(), answer);
     QCOMPARE(m_window->isModified(), answer != stored);
     QVERIFY(m_window->saveTo(path));
-    QCOMPARE(findElement(readAll(path), u"SRCTBL"_s).text, answer);
+    QCOMPARE(parseXml(readAll(path)).child(u"SRCTBL"_s).text, answer);
 }
 
 void TestHostWindow::functionBuilderKeepsMultiLineRules()
@@ -377,11 +321,10 @@ void TestHostWindow::functionBuilderKeepsMultiLineRules()
     QTRY_VERIFY(answered);
 
     QVERIFY(m_window->saveTo(path));
-    const Element rule = findElement(readAll(path), u"DUMP"_s, u"No"_s, u"1"_s, u"CUSTNO"_s);
-    QVERIFY(rule.found);
+    const XmlElement rule = parseXml(readAll(path)).dump(1).child(u"CUSTNO"_s);
     QCOMPARE(rule.text, u"if pqrst002.custno > 0 then\nreturn pqrst002.custno\nendif"_s);
-    QCOMPARE(rule.attributes.value(u"TYPE"_s).toString(), u"1"_s);
-    QCOMPARE(rule.attributes.value(u"No"_s).toString(), u"1"_s);
+    QCOMPARE(rule.attribute(u"TYPE"_s), u"1"_s);
+    QCOMPARE(rule.attribute(u"No"_s), u"1"_s);
 }
 
 void TestHostWindow::viewModeLocksAndEditModeRebuildsTheControl()
@@ -488,7 +431,7 @@ void TestHostWindow::closingAsksAboutUnsavedChanges()
     const QString now = readAll(path);
     QCOMPARE(now != original, written);
     if (written)
-        QVERIFY(findElement(now, u"SRCTBL"_s).text.endsWith(u",fghij005"_s));
+        QVERIFY(parseXml(now).child(u"SRCTBL"_s).text.endsWith(u",fghij005"_s));
     if (!closed) {
         m_watcher->expect([](QWidget* modal) {
             QTest::mouseClick(qobject_cast<QMessageBox*>(modal)->button(QMessageBox::Discard), Qt::LeftButton);

@@ -2,44 +2,44 @@
 // when "Functions" or "Variables / Includes" is pressed, OK keeps the edits,
 // Cancel drops them, and the host is told to lock its save command meanwhile.
 
-#include "ScriptsHarness.h"
+#include "WidgetHarness.h"
 
+#include <QLabel>
 #include <QSignalSpy>
 
-using namespace scripts_test;
+using namespace fbtest;
 
 namespace {
 
 // The functions hold an entity of an entity (shown decoded); the variables
 // hold the markers for a tab and a line break.
-QString document(const QString& functionsAndVariables = QStringLiteral(
-                     "<FUNCTIONS>function f()\n{\n\tif a &amp;lt; b\n}</FUNCTIONS><VAR>a~|~b~^~c</VAR>"))
+QString document(const QString& functionsAndVariables = u"<FUNCTIONS>function f()\n{\n\tif a &amp;lt; b\n}</FUNCTIONS><VAR>a~|~b~^~c</VAR>"_s)
 {
-    return mappingObject(QStringLiteral("<SRCTBL>pqrst002</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
-                                        "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>") +
+    return klmnoDocument(u"<SRCTBL>pqrst002</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
+                                        "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"_s +
                              functionsAndVariables,
-                         {QStringLiteral("PQRST002")});
+                         {u"PQRST002"_s});
 }
 
-const QString kStoredFunctions = QStringLiteral("function f()\n{\n\tif a &lt; b\n}");
-const QString kShownFunctions = QStringLiteral("function f()\n{\n\tif a < b\n}");
-const QString kStoredVariables = QStringLiteral("a~|~b~^~c");
+const QString kStoredFunctions = u"function f()\n{\n\tif a &lt; b\n}"_s;
+const QString kShownFunctions = u"function f()\n{\n\tif a < b\n}"_s;
+const QString kStoredVariables = u"a~|~b~^~c"_s;
 
 // The widgets of the precondition and main-query groups, and of the OK/Cancel
 // group.
 const QStringList kScriptGroups{
-    QStringLiteral("txtPreCondition"), QStringLiteral("CmdBuildPre"),  QStringLiteral("CmdPreDoc"),
-    QStringLiteral("CmdPreEditor"),    QStringLiteral("PicPreResize"), QStringLiteral("txtMainQuery"),
-    QStringLiteral("cmdBuildMQ"),      QStringLiteral("CmdMQDoc"),     QStringLiteral("CmdMqEditor"),
-    QStringLiteral("PicMQResize"),     QStringLiteral("CmdFunction"),  QStringLiteral("CmdVariables")};
-const QStringList kOkCancelGroup{QStringLiteral("CmdOk"), QStringLiteral("CmdCancel"),
-                                 QStringLiteral("CmdFuncEditor")};
+    u"txtPreCondition"_s, u"CmdBuildPre"_s,  u"CmdPreDoc"_s,
+    u"CmdPreEditor"_s,    u"PicPreResize"_s, u"txtMainQuery"_s,
+    u"cmdBuildMQ"_s,      u"CmdMQDoc"_s,     u"CmdMqEditor"_s,
+    u"PicMQResize"_s,     u"CmdFunction"_s,  u"CmdVariables"_s};
+const QStringList kOkCancelGroup{u"CmdOk"_s, u"CmdCancel"_s,
+                                 u"CmdFuncEditor"_s};
 
 QString visibilityProblems(const Host& host, const QStringList& names, bool visible)
 {
     QStringList wrong;
     for (const QString& name : names) {
-        QWidget* w = host.widget<QWidget>(name);
+        QWidget* w = host.find(name);
         if (!w || w->isVisible() != visible) wrong.append(name);
     }
     return wrong.join(u',');
@@ -75,20 +75,20 @@ void FunctionsVariablesTest::panelOpens_data()
     QTest::addColumn<QString>("label");
 
     QTest::newRow("functions, decoded")
-        << document() << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions")
-        << QStringLiteral("txtVariables") << kShownFunctions << QStringLiteral("Functions");
+        << document() << u"CmdFunction"_s << u"txtFunctions"_s
+        << u"txtVariables"_s << kShownFunctions << u"Functions"_s;
     QTest::newRow("variables, markers as tab and line break")
-        << document() << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables")
-        << QStringLiteral("txtFunctions") << QStringLiteral("a\tb\nc")
-        << QStringLiteral("Variables / Includes ");
+        << document() << u"CmdVariables"_s << u"txtVariables"_s
+        << u"txtFunctions"_s << u"a\tb\nc"_s
+        << u"Variables / Includes "_s;
     QTest::newRow("variables, markers then entities")
-        << document(QStringLiteral("<VAR>include a.inc~^~s~|~= &amp;quot;q&amp;quot;</VAR>"))
-        << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables") << QStringLiteral("txtFunctions")
-        << QStringLiteral("include a.inc\ns\t= \"q\"") << QStringLiteral("Variables / Includes ");
+        << document(u"<VAR>include a.inc~^~s~|~= &amp;quot;q&amp;quot;</VAR>"_s)
+        << u"CmdVariables"_s << u"txtVariables"_s << u"txtFunctions"_s
+        << u"include a.inc\ns\t= \"q\""_s << u"Variables / Includes "_s;
     QTest::newRow("functions keep the markers")
-        << document(QStringLiteral("<FUNCTIONS>a~|~b~^~c</FUNCTIONS>")) << QStringLiteral("CmdFunction")
-        << QStringLiteral("txtFunctions") << QStringLiteral("txtVariables") << QStringLiteral("a~|~b~^~c")
-        << QStringLiteral("Functions");
+        << document(u"<FUNCTIONS>a~|~b~^~c</FUNCTIONS>"_s) << u"CmdFunction"_s
+        << u"txtFunctions"_s << u"txtVariables"_s << u"a~|~b~^~c"_s
+        << u"Functions"_s;
 }
 
 void FunctionsVariablesTest::panelOpens()
@@ -101,16 +101,16 @@ void FunctionsVariablesTest::panelOpens()
     QFETCH(QString, label);
 
     Host host;
-    QVERIFY(host.show(xml, true));
-    QCOMPARE(host.labelText(QStringLiteral("lblPreCondition")), QStringLiteral("PreCondition"));
-    QVERIFY(!host.editor(editor)->isVisible());
+    QVERIFY(host.open(u"klmno001"_s, xml, true));
+    QCOMPARE(host.find<QLabel>(u"lblPreCondition"_s)->text(), u"PreCondition"_s);
+    QVERIFY(!host.find(editor)->isVisible());
     QCOMPARE(visibilityProblems(host, kOkCancelGroup, false), QString());
 
     host.click(button);
-    QVERIFY(host.editor(editor)->isVisible());
-    QVERIFY(!host.editor(other)->isVisible());
+    QVERIFY(host.find(editor)->isVisible());
+    QVERIFY(!host.find(other)->isVisible());
     QCOMPARE(host.text(editor), shown);
-    QCOMPARE(host.labelText(QStringLiteral("lblPreCondition")), label);
+    QCOMPARE(host.find<QLabel>(u"lblPreCondition"_s)->text(), label);
     QVERIFY(host.focusIn(editor));
     QCOMPARE(visibilityProblems(host, kScriptGroups, false), QString());
     QCOMPARE(visibilityProblems(host, kOkCancelGroup, true), QString());
@@ -128,28 +128,28 @@ void FunctionsVariablesTest::panelCloses_data()
     QTest::addColumn<QString>("functions");
     QTest::addColumn<QString>("variables");
 
-    QTest::newRow("functions edited, OK") << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions")
-                                          << QStringLiteral("function g()\n{\n}") << QStringLiteral("CmdOk")
-                                          << QStringLiteral("function g()\n{\n}") << kStoredVariables;
+    QTest::newRow("functions edited, OK") << u"CmdFunction"_s << u"txtFunctions"_s
+                                          << u"function g()\n{\n}"_s << u"CmdOk"_s
+                                          << u"function g()\n{\n}"_s << kStoredVariables;
     QTest::newRow("functions edited, Cancel")
-        << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions")
-        << QStringLiteral("function g()\n{\n}") << QStringLiteral("CmdCancel") << kStoredFunctions
+        << u"CmdFunction"_s << u"txtFunctions"_s
+        << u"function g()\n{\n}"_s << u"CmdCancel"_s << kStoredFunctions
         << kStoredVariables;
     QTest::newRow("functions unchanged, OK: stored as shown")
-        << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions") << QString()
-        << QStringLiteral("CmdOk") << kShownFunctions << kStoredVariables;
+        << u"CmdFunction"_s << u"txtFunctions"_s << QString()
+        << u"CmdOk"_s << kShownFunctions << kStoredVariables;
     QTest::newRow("variables unchanged, OK: real tab and line break")
-        << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables") << QString()
-        << QStringLiteral("CmdOk") << kStoredFunctions << QStringLiteral("a\tb\nc");
+        << u"CmdVariables"_s << u"txtVariables"_s << QString()
+        << u"CmdOk"_s << kStoredFunctions << u"a\tb\nc"_s;
     QTest::newRow("variables unchanged, Cancel: markers kept")
-        << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables") << QString()
-        << QStringLiteral("CmdCancel") << kStoredFunctions << kStoredVariables;
+        << u"CmdVariables"_s << u"txtVariables"_s << QString()
+        << u"CmdCancel"_s << kStoredFunctions << kStoredVariables;
     QTest::newRow("variables edited, OK")
-        << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables") << QStringLiteral("x\ty\nz")
-        << QStringLiteral("CmdOk") << kStoredFunctions << QStringLiteral("x\ty\nz");
+        << u"CmdVariables"_s << u"txtVariables"_s << u"x\ty\nz"_s
+        << u"CmdOk"_s << kStoredFunctions << u"x\ty\nz"_s;
     QTest::newRow("variables edited, Cancel")
-        << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables") << QStringLiteral("x\ty\nz")
-        << QStringLiteral("CmdCancel") << kStoredFunctions << kStoredVariables;
+        << u"CmdVariables"_s << u"txtVariables"_s << u"x\ty\nz"_s
+        << u"CmdCancel"_s << kStoredFunctions << kStoredVariables;
 }
 
 void FunctionsVariablesTest::panelCloses()
@@ -162,8 +162,7 @@ void FunctionsVariablesTest::panelCloses()
     QFETCH(QString, variables);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
     host.click(button);
     if (!typed.isNull()) {
         host.replaceText(editor, typed);
@@ -171,16 +170,16 @@ void FunctionsVariablesTest::panelCloses()
     }
     host.click(closer);
 
-    QCOMPARE(host.labelText(QStringLiteral("lblPreCondition")), QStringLiteral("PreCondition"));
-    QVERIFY(!host.editor(editor)->isVisible());
+    QCOMPARE(host.find<QLabel>(u"lblPreCondition"_s)->text(), u"PreCondition"_s);
+    QVERIFY(!host.find(editor)->isVisible());
     QCOMPARE(visibilityProblems(host, kScriptGroups, true), QString());
     QCOMPARE(visibilityProblems(host, kOkCancelGroup, false), QString());
-    if (closer == QLatin1String("CmdCancel")) QVERIFY(host.focusIn(QStringLiteral("txtPreCondition")));
+    if (closer == QLatin1String("CmdCancel")) QVERIFY(host.focusIn(u"txtPreCondition"_s));
 
-    const XmlElement root = host.read();
-    QCOMPARE(lf(root.child(QStringLiteral("FUNCTIONS")).text), functions);
-    QCOMPARE(lf(root.child(QStringLiteral("VAR")).text), variables);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"FUNCTIONS"_s).text, functions);
+    QCOMPARE(root.child(u"VAR"_s).text, variables);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // FUNCTIONS and VAR are created when first saved; closing always writes the
@@ -193,15 +192,15 @@ void FunctionsVariablesTest::missingSectionsCreated_data()
     QTest::addColumn<QString>("section");
     QTest::addColumn<QString>("stored");
 
-    QTest::newRow("functions, OK") << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions")
-                                   << QStringLiteral("CmdOk") << QStringLiteral("FUNCTIONS")
-                                   << QStringLiteral("function h()");
-    QTest::newRow("variables, OK") << QStringLiteral("CmdVariables") << QStringLiteral("txtVariables")
-                                   << QStringLiteral("CmdOk") << QStringLiteral("VAR")
-                                   << QStringLiteral("function h()");
+    QTest::newRow("functions, OK") << u"CmdFunction"_s << u"txtFunctions"_s
+                                   << u"CmdOk"_s << u"FUNCTIONS"_s
+                                   << u"function h()"_s;
+    QTest::newRow("variables, OK") << u"CmdVariables"_s << u"txtVariables"_s
+                                   << u"CmdOk"_s << u"VAR"_s
+                                   << u"function h()"_s;
     QTest::newRow("functions, Cancel")
-        << QStringLiteral("CmdFunction") << QStringLiteral("txtFunctions") << QStringLiteral("CmdCancel")
-        << QStringLiteral("FUNCTIONS") << QString();
+        << u"CmdFunction"_s << u"txtFunctions"_s << u"CmdCancel"_s
+        << u"FUNCTIONS"_s << QString();
 }
 
 void FunctionsVariablesTest::missingSectionsCreated()
@@ -213,13 +212,13 @@ void FunctionsVariablesTest::missingSectionsCreated()
     QFETCH(QString, stored);
 
     Host host;
-    QVERIFY(host.show(document(QString()), true));
+    QVERIFY(host.open(u"klmno001"_s, document(QString()), true));
     host.click(button);
     QCOMPARE(host.text(editor), QString());
-    host.replaceText(editor, QStringLiteral("function h()"));
+    host.replaceText(editor, u"function h()"_s);
     host.click(closer);
 
-    const XmlElement root = host.read();
+    const XmlElement root = host.document();
     QCOMPARE(root.all(section).size(), 1);
     QCOMPARE(root.child(section).text, stored);
 }
@@ -230,23 +229,23 @@ void FunctionsVariablesTest::missingSectionsCreated()
 void FunctionsVariablesTest::functionsWhileVariablesOpenDropsTheVariables()
 {
     Host host;
-    QVERIFY(host.show(document(), true));
-    host.click(QStringLiteral("CmdVariables"));
-    host.replaceText(QStringLiteral("txtVariables"), QStringLiteral("changed"));
-    QCOMPARE(host.text(QStringLiteral("txtVariables")), QStringLiteral("changed"));
-    QAbstractButton* functions = host.button(QStringLiteral("CmdFunction"));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.click(u"CmdVariables"_s);
+    host.replaceText(u"txtVariables"_s, u"changed"_s);
+    QCOMPARE(host.text(u"txtVariables"_s), u"changed"_s);
+    QAbstractButton* functions = host.button(u"CmdFunction"_s);
     QVERIFY(!functions->isVisible());
 
     functions->click();
-    QVERIFY(host.editor(QStringLiteral("txtFunctions"))->isVisible());
-    QVERIFY(!host.editor(QStringLiteral("txtVariables"))->isVisible());
-    QCOMPARE(host.labelText(QStringLiteral("lblPreCondition")), QStringLiteral("Functions"));
-    QCOMPARE(host.text(QStringLiteral("txtFunctions")), kShownFunctions);
-    host.click(QStringLiteral("CmdCancel"));
+    QVERIFY(host.find(u"txtFunctions"_s)->isVisible());
+    QVERIFY(!host.find(u"txtVariables"_s)->isVisible());
+    QCOMPARE(host.find<QLabel>(u"lblPreCondition"_s)->text(), u"Functions"_s);
+    QCOMPARE(host.text(u"txtFunctions"_s), kShownFunctions);
+    host.click(u"CmdCancel"_s);
 
-    const XmlElement root = host.read();
-    QCOMPARE(root.child(QStringLiteral("VAR")).text, kStoredVariables);
-    QCOMPARE(lf(root.child(QStringLiteral("FUNCTIONS")).text), kStoredFunctions);
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"VAR"_s).text, kStoredVariables);
+    QCOMPARE(root.child(u"FUNCTIONS"_s).text, kStoredFunctions);
 }
 
 // The functions are among the scripts whose "dump" references keep a DUMP;
@@ -254,21 +253,20 @@ void FunctionsVariablesTest::functionsWhileVariablesOpenDropsTheVariables()
 void FunctionsVariablesTest::dumpsReferencedByFunctionsNotVariables()
 {
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.click(QStringLiteral("CmdFunction"));
-    host.replaceText(QStringLiteral("txtFunctions"), QStringLiteral("function f()\n{\n\tdump 8 Helpers\n}"));
-    host.click(QStringLiteral("CmdOk"));
-    host.click(QStringLiteral("CmdVariables"));
-    host.replaceText(QStringLiteral("txtVariables"), QStringLiteral("dump 9 Variables"));
-    host.click(QStringLiteral("CmdOk"));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.click(u"CmdFunction"_s);
+    host.replaceText(u"txtFunctions"_s, u"function f()\n{\n\tdump 8 Helpers\n}"_s);
+    host.click(u"CmdOk"_s);
+    host.click(u"CmdVariables"_s);
+    host.replaceText(u"txtVariables"_s, u"dump 9 Variables"_s);
+    host.click(u"CmdOk"_s);
 
-    const XmlElement root = host.read();
-    QCOMPARE(root.child(QStringLiteral("VAR")).text, QStringLiteral("dump 9 Variables"));
-    const QList<XmlElement> dumps = root.all(QStringLiteral("DUMP"));
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"VAR"_s).text, u"dump 9 Variables"_s);
+    const QList<XmlElement> dumps = root.all(u"DUMP"_s);
     QCOMPARE(dumps.size(), 1);
-    QCOMPARE(dumps.first().attribute(QStringLiteral("No")), QStringLiteral("8"));
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QCOMPARE(dumps.first().attribute(u"No"_s), u"8"_s);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // SaveDoneDisabled when an editor opens, SaveDoneEnabled when it closes with
@@ -282,14 +280,14 @@ void FunctionsVariablesTest::saveDoneEvents_data()
     QTest::addColumn<QList<int>>("enabledCounts");
     QTest::addColumn<QList<bool>>("panelOpen");
 
-    const QStringList clicks{QStringLiteral("CmdFunction"), QStringLiteral("CmdOk"),
-                             QStringLiteral("CmdVariables"), QStringLiteral("CmdCancel")};
+    const QStringList clicks{u"CmdFunction"_s, u"CmdOk"_s,
+                             u"CmdVariables"_s, u"CmdCancel"_s};
     QTest::newRow("edit mode") << true << clicks << QList<int>{1, 1, 2, 2} << QList<int>{0, 1, 1, 2}
                                << QList<bool>{true, false, true, false};
     QTest::newRow("read-only mode: no events, OK disabled")
         << false
-        << QStringList{QStringLiteral("CmdFunction"), QStringLiteral("CmdOk"), QStringLiteral("CmdCancel"),
-                       QStringLiteral("CmdVariables"), QStringLiteral("CmdCancel")}
+        << QStringList{u"CmdFunction"_s, u"CmdOk"_s, u"CmdCancel"_s,
+                       u"CmdVariables"_s, u"CmdCancel"_s}
         << QList<int>{0, 0, 0, 0, 0} << QList<int>{0, 0, 0, 0, 0}
         << QList<bool>{true, true, false, true, false};
 }
@@ -303,21 +301,21 @@ void FunctionsVariablesTest::saveDoneEvents()
     QFETCH(QList<bool>, panelOpen);
 
     Host host;
-    QVERIFY(host.show(document(), edit));
-    QSignalSpy disabled(host.control.get(), SIGNAL(SaveDoneDisabled()));
-    QSignalSpy enabled(host.control.get(), SIGNAL(SaveDoneEnabled()));
+    QVERIFY(host.open(u"klmno001"_s, document(), edit));
+    QSignalSpy disabled(host.ctl, SIGNAL(SaveDoneDisabled()));
+    QSignalSpy enabled(host.ctl, SIGNAL(SaveDoneEnabled()));
     QVERIFY(disabled.isValid() && enabled.isValid());
-    QCOMPARE(host.button(QStringLiteral("CmdOk"))->isEnabled(), edit);
+    QCOMPARE(host.button(u"CmdOk"_s)->isEnabled(), edit);
 
     for (int i = 0; i < clicks.size(); ++i) {
         host.click(clicks[i]);
         QCOMPARE(disabled.count(), disabledCounts[i]);
         QCOMPARE(enabled.count(), enabledCounts[i]);
-        QCOMPARE(host.button(QStringLiteral("CmdCancel"))->isVisible(), panelOpen[i]);
+        QCOMPARE(host.button(u"CmdCancel"_s)->isVisible(), panelOpen[i]);
         if (clicks[i] == QLatin1String("CmdFunction"))
-            QCOMPARE(host.readOnly(QStringLiteral("txtFunctions")), !edit);
+            QCOMPARE(host.readOnly(u"txtFunctions"_s), !edit);
         if (clicks[i] == QLatin1String("CmdVariables"))
-            QCOMPARE(host.readOnly(QStringLiteral("txtVariables")), !edit);
+            QCOMPARE(host.readOnly(u"txtVariables"_s), !edit);
     }
 }
 

@@ -4,44 +4,44 @@
 // host's query builder and its answer through MainQuery, and the
 // documentation dialog of a query.
 
-#include "ScriptsHarness.h"
+#include "WidgetHarness.h"
 
 #include <QSignalSpy>
 
-using namespace scripts_test;
+using namespace fbtest;
 
 namespace {
 
-const QStringList kDefined{QStringLiteral("PQRST002"), QStringLiteral("UVWXY003")};
-const QStringList kTwoTableRows{QStringLiteral("migrate pqrst002"), QString(),
-                                QStringLiteral("migrate uvwxy003"), QString()};
+const QStringList kDefined{u"PQRST002"_s, u"UVWXY003"_s};
+const QStringList kTwoTableRows{u"migrate pqrst002"_s, QString(),
+                                u"migrate uvwxy003"_s, QString()};
 
 // Two migrate tables, each with its query; the second query holds an entity
 // of an entity, shown decoded.
 QString document(const QString& firstQueryText = QString(), const QString& precondition = QString())
 {
-    return mappingObject(
-        QStringLiteral("<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\"\">") +
-            (precondition.isNull() ? QStringLiteral("migrate pqrst002\nmigrate uvwxy003") : precondition) +
-            QStringLiteral("</PREC><QUERY ST=\"pqrst002\" TEXT=\"") + firstQueryText +
-            QStringLiteral("\">select pqrst002.*</QUERY>"
-                           "<QUERY ST=\"uvwxy003\" TEXT=\"\">select uvwxy003.*\nwhere a &amp;lt; b</QUERY>"),
+    return klmnoDocument(
+        u"<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\"\">"_s +
+            (precondition.isNull() ? u"migrate pqrst002\nmigrate uvwxy003"_s : precondition) +
+            u"</PREC><QUERY ST=\"pqrst002\" TEXT=\""_s + firstQueryText +
+            u"\">select pqrst002.*</QUERY>"
+                           "<QUERY ST=\"uvwxy003\" TEXT=\"\">select uvwxy003.*\nwhere a &amp;lt; b</QUERY>"_s,
         kDefined);
 }
 
 // The QUERY text of the klmno001 sample for a table, as the XML holds it.
 QString sampleQuery(const QString& table)
 {
-    return parseXml(readExample(QStringLiteral("klmno001.xml")))
-        .child(QStringLiteral("QUERY"), QStringLiteral("ST"), table)
+    return parseXml(readSample(u"klmno001.xml"_s))
+        .child(u"QUERY"_s, u"ST"_s, table)
         .text;
 }
 
 QStringList dumpNumbers(const XmlElement& root)
 {
     QStringList numbers;
-    for (const XmlElement& dump : root.all(QStringLiteral("DUMP")))
-        numbers.append(dump.attribute(QStringLiteral("No")));
+    for (const XmlElement& dump : root.all(u"DUMP"_s))
+        numbers.append(dump.attribute(u"No"_s));
     return numbers;
 }
 
@@ -81,19 +81,19 @@ void MainQueryTest::migrateSourceRows_data()
     QTest::addColumn<QStringList>("rows");
     QTest::addColumn<QString>("shown");
 
-    QTest::newRow("sample klmno001") << readExample(QStringLiteral("klmno001.xml")) << kTwoTableRows
-                                     << sampleQuery(QStringLiteral("pqrst002"));
-    QTest::newRow("two tables") << document() << kTwoTableRows << QStringLiteral("select pqrst002.*");
+    QTest::newRow("sample klmno001") << readSample(u"klmno001.xml"_s) << kTwoTableRows
+                                     << sampleQuery(u"pqrst002"_s);
+    QTest::newRow("two tables") << document() << kTwoTableRows << u"select pqrst002.*"_s;
     QTest::newRow("second table shown first")
-        << document(QString(), QStringLiteral("migrate uvwxy003\nmigrate pqrst002"))
-        << QStringList{QStringLiteral("migrate uvwxy003"), QString(), QStringLiteral("migrate pqrst002"),
+        << document(QString(), u"migrate uvwxy003\nmigrate pqrst002"_s)
+        << QStringList{u"migrate uvwxy003"_s, QString(), u"migrate pqrst002"_s,
                        QString()}
-        << QStringLiteral("select uvwxy003.*\nwhere a < b");
+        << u"select uvwxy003.*\nwhere a < b"_s;
     QTest::newRow("migrate table without a query")
-        << mappingObject(QStringLiteral("<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"), kDefined)
-        << QStringList{QStringLiteral("migrate pqrst002"), QString()} << QString();
+        << klmnoDocument(u"<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"_s, kDefined)
+        << QStringList{u"migrate pqrst002"_s, QString()} << QString();
     QTest::newRow("no migrate table")
-        << document(QString(), QStringLiteral("x = 1")) << QStringList() << QString();
+        << document(QString(), u"x = 1"_s) << QStringList() << QString();
 }
 
 void MainQueryTest::migrateSourceRows()
@@ -103,12 +103,12 @@ void MainQueryTest::migrateSourceRows()
     QFETCH(QString, shown);
 
     Host host;
-    QVERIFY(host.show(xml, true));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), rows);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), shown);
+    QVERIFY(host.open(u"klmno001"_s, xml, true));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), rows);
+    QCOMPARE(host.text(u"txtMainQuery"_s), shown);
     // The host reads the box's text with the CR LF line breaks of every box.
-    QCOMPARE(host.control->property("MainQuery").toString(),
-             QString(shown).replace(u'\n', QStringLiteral("\r\n")));
+    QCOMPARE(host.ctl->property("MainQuery").toString(),
+             QString(shown).replace(u'\n', u"\r\n"_s));
 }
 
 // A click on a table's row first stores the box's text under the table the
@@ -117,32 +117,31 @@ void MainQueryTest::migrateSourceRows()
 void MainQueryTest::rowClickStoresThenShows()
 {
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.replaceText(QStringLiteral("txtMainQuery"), QStringLiteral("select 1"));
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 1"));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.replaceText(u"txtMainQuery"_s, u"select 1"_s);
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select 1"_s);
 
-    host.clickRow(QStringLiteral("lstMigrateSource"), 2);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select uvwxy003.*\nwhere a < b"));
+    host.clickRow(u"lstMigrateSource"_s, 2);
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select uvwxy003.*\nwhere a < b"_s);
 
     // The focus is in the list now: the next click stores by itself. What it
     // stores is the box's text as shown, so the entity of an entity is gone.
-    QVERIFY(host.focusIn(QStringLiteral("lstMigrateSource")));
-    host.clickRow(QStringLiteral("lstMigrateSource"), 0);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 1"));
+    QVERIFY(host.focusIn(u"lstMigrateSource"_s));
+    host.clickRow(u"lstMigrateSource"_s, 0);
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select 1"_s);
 
-    host.clickRow(QStringLiteral("lstMigrateSource"), 1); // the empty row
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 1"));
-    host.clickRow(QStringLiteral("lstMigrateSource"), 3); // the empty row
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 1"));
+    host.clickRow(u"lstMigrateSource"_s, 1); // the empty row
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select 1"_s);
+    host.clickRow(u"lstMigrateSource"_s, 3); // the empty row
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select 1"_s);
 
-    const XmlElement root = host.read();
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("pqrst002")).text,
-             QStringLiteral("select 1"));
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003")).text,
-             QStringLiteral("select uvwxy003.*\nwhere a < b"));
-    QCOMPARE(root.all(QStringLiteral("QUERY")).size(), 2);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"pqrst002"_s).text,
+             u"select 1"_s);
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s).text,
+             u"select uvwxy003.*\nwhere a < b"_s);
+    QCOMPARE(root.all(u"QUERY"_s).size(), 2);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // Leaving the box stores its text for its table and collects the dump
@@ -155,10 +154,10 @@ void MainQueryTest::storedWhenTheFocusLeaves_data()
     QTest::addColumn<QStringList>("dumps");
 
     QTest::newRow("a query referencing a dump")
-        << QStringLiteral("select *\ndump 7 Orders") << true << QStringLiteral("select *\ndump 7 Orders")
-        << QStringList{QStringLiteral("7")};
+        << u"select *\ndump 7 Orders"_s << true << u"select *\ndump 7 Orders"_s
+        << QStringList{u"7"_s};
     QTest::newRow("emptied query: QUERY as it was")
-        << QString() << false << QStringLiteral("select pqrst002.*") << QStringList();
+        << QString() << false << u"select pqrst002.*"_s << QStringList();
 }
 
 void MainQueryTest::storedWhenTheFocusLeaves()
@@ -169,24 +168,23 @@ void MainQueryTest::storedWhenTheFocusLeaves()
     QFETCH(QStringList, dumps);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.replaceText(QStringLiteral("txtMainQuery"), typed);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), typed);
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QVERIFY(host.focusIn(QStringLiteral("lstSourceTables")));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.replaceText(u"txtMainQuery"_s, typed);
+    QCOMPARE(host.text(u"txtMainQuery"_s), typed);
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QVERIFY(host.focusIn(u"lstSourceTables"_s));
 
     if (emptyAfterwards) {
         // Reading the document stores the box too, but an empty box stores
         // nothing: what the document holds now was stored on leaving.
-        host.replaceText(QStringLiteral("txtMainQuery"), QString());
-        QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QString());
+        host.replaceText(u"txtMainQuery"_s, QString());
+        QCOMPARE(host.text(u"txtMainQuery"_s), QString());
     }
-    const XmlElement root = host.read();
-    QCOMPARE(lf(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("pqrst002")).text),
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"pqrst002"_s).text,
              stored);
     QCOMPARE(dumpNumbers(root), dumps);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // The dump references are collected when the box is left, so a "dump"
@@ -198,13 +196,13 @@ void MainQueryTest::dumpKeywordMessages_data()
     QTest::addColumn<QList<int>>("icons"); // one QMessageBox::Icon per message
 
     QTest::newRow("dump ends the text after a line break")
-        << QStringLiteral("select *\ndump") << QList<int>{int(QMessageBox::Information)};
+        << u"select *\ndump"_s << QList<int>{int(QMessageBox::Information)};
     QTest::newRow("dump and one blank end the text")
-        << QStringLiteral("select * dump ") << QList<int>{int(QMessageBox::Information)};
+        << u"select * dump "_s << QList<int>{int(QMessageBox::Information)};
     QTest::newRow("dump is the whole text")
-        << QStringLiteral("dump") << QList<int>{int(QMessageBox::Critical)};
-    QTest::newRow("dump with its number") << QStringLiteral("select *\ndump 12") << QList<int>();
-    QTest::newRow("tail of a longer word") << QStringLiteral("select *\nxdump") << QList<int>();
+        << u"dump"_s << QList<int>{int(QMessageBox::Critical)};
+    QTest::newRow("dump with its number") << u"select *\ndump 12"_s << QList<int>();
+    QTest::newRow("tail of a longer word") << u"select *\nxdump"_s << QList<int>();
 }
 
 void MainQueryTest::dumpKeywordMessages()
@@ -213,18 +211,19 @@ void MainQueryTest::dumpKeywordMessages()
     QFETCH(QList<int>, icons);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.replaceText(QStringLiteral("txtMainQuery"), typed);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), typed);
-    QVERIFY(boxes.seen().isEmpty());
-
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QCOMPARE(boxes.seen().size(), icons.size());
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.replaceText(u"txtMainQuery"_s, typed);
+    QCOMPARE(host.text(u"txtMainQuery"_s), typed);
+    QVERIFY(host.modals.records().isEmpty());
+    for (qsizetype i = 0; i < icons.size(); ++i)
+        host.modals.expect(ModalAnswerer::press(QMessageBox::Ok));
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QCOMPARE(host.modals.records().size(), icons.size());
+    QVERIFY(host.modals.unexpected().isEmpty());
     for (int i = 0; i < icons.size(); ++i) {
-        const SeenBox& box = boxes.seen().at(i);
-        QCOMPARE(box.kind, QStringLiteral("message"));
-        QCOMPARE(box.text, QStringLiteral("Dump Keyword Must be Followed by a Dump Number"));
+        const ModalRecord& box = host.modals.records().at(i);
+        QCOMPARE(box.className, u"QMessageBox"_s);
+        QCOMPARE(box.text, u"Dump Keyword Must be Followed by a Dump Number"_s);
         QCOMPARE(int(box.icon), icons.at(i));
         QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     }
@@ -241,17 +240,17 @@ void MainQueryTest::queryBuilder_data()
     QTest::addColumn<int>("raised");
     QTest::addColumn<QString>("table");
 
-    const QString two = QStringLiteral("migrate pqrst002\nmigrate uvwxy003");
-    const QString pqrst = QStringLiteral("pqrst002");
-    QTest::newRow("click") << true << two << -1 << QStringLiteral("click") << 1 << pqrst;
+    const QString two = u"migrate pqrst002\nmigrate uvwxy003"_s;
+    const QString pqrst = u"pqrst002"_s;
+    QTest::newRow("click") << true << two << -1 << u"click"_s << 1 << pqrst;
     QTest::newRow("access key while typing")
-        << true << two << -1 << QStringLiteral("access key") << 1 << pqrst;
+        << true << two << -1 << u"access key"_s << 1 << pqrst;
     QTest::newRow("the table of the box, after a row click")
-        << true << two << 2 << QStringLiteral("click") << 1 << QStringLiteral("uvwxy003");
+        << true << two << 2 << u"click"_s << 1 << u"uvwxy003"_s;
     QTest::newRow("no migrate table: nothing raised")
-        << true << QStringLiteral("x = 1") << -1 << QStringLiteral("click") << 0 << QString();
+        << true << u"x = 1"_s << -1 << u"click"_s << 0 << QString();
     QTest::newRow("read-only: the button is disabled")
-        << false << two << -1 << QStringLiteral("click") << 0 << QString();
+        << false << two << -1 << u"click"_s << 0 << QString();
 }
 
 void MainQueryTest::queryBuilder()
@@ -264,45 +263,44 @@ void MainQueryTest::queryBuilder()
     QFETCH(QString, table);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(QString(), precondition), edit));
-    ctlFieldbridge* control = host.control.get();
+    QVERIFY(host.open(u"klmno001"_s, document(QString(), precondition), edit));
+    ctlFieldbridge* control = host.ctl;
     QSignalSpy spy(control, SIGNAL(ShowQueryBuilderPopUp(QString, QString)));
     QVERIFY(spy.isValid());
     // The host's builder answers at once, with the CR LF line breaks of a box.
-    const QString built = QStringLiteral("select built.*\nfrom pqrst002");
+    const QString built = u"select built.*\nfrom pqrst002"_s;
     QObject::connect(control, &ctlFieldbridge::ShowQueryBuilderPopUp, control,
                      [control, built](const QString&, const QString&) {
                          control->setProperty("MainQuery",
-                                              QString(built).replace(u'\n', QStringLiteral("\r\n")));
+                                              QString(built).replace(u'\n', u"\r\n"_s));
                      });
 
-    if (row >= 0) host.clickRow(QStringLiteral("lstMigrateSource"), row);
+    if (row >= 0) host.clickRow(u"lstMigrateSource"_s, row);
     if (raised) {
-        host.replaceText(QStringLiteral("txtMainQuery"), QStringLiteral("select 2"));
-        QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 2"));
+        host.replaceText(u"txtMainQuery"_s, u"select 2"_s);
+        QCOMPARE(host.text(u"txtMainQuery"_s), u"select 2"_s);
     }
     if (how == QLatin1String("click")) {
-        host.click(QStringLiteral("cmdBuildMQ"));
+        host.click(u"cmdBuildMQ"_s);
     } else {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_L, Qt::AltModifier);
         QTRY_COMPARE(spy.count(), 1);
-        QVERIFY(host.focusIn(QStringLiteral("txtMainQuery")));
+        QVERIFY(host.focusIn(u"txtMainQuery"_s));
     }
     QTest::qWait(20);
     QCOMPARE(spy.count(), raised);
     if (!raised) return;
-    QCOMPARE(spy.first().at(0).toString(), QStringLiteral("select 2"));
+    QCOMPARE(spy.first().at(0).toString(), u"select 2"_s);
     QCOMPARE(spy.first().at(1).toString(), table);
 
     // The answer: put into the box as it is, stored under the box's table.
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), built);
-    QCOMPARE(host.control->property("MainQuery").toString(),
-             QString(built).replace(u'\n', QStringLiteral("\r\n")));
-    QVERIFY(host.button(QStringLiteral("cmdBuildMQ"))->isEnabled());
-    const XmlElement root = host.read();
-    QCOMPARE(lf(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), table).text), built);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QCOMPARE(host.text(u"txtMainQuery"_s), built);
+    QCOMPARE(host.ctl->property("MainQuery").toString(),
+             QString(built).replace(u'\n', u"\r\n"_s));
+    QVERIFY(host.button(u"cmdBuildMQ"_s)->isEnabled());
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, table).text, built);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // Storing the precondition keeps the box on its table while that is still a
@@ -312,10 +310,10 @@ void MainQueryTest::preconditionStoreKeepsTheShownTable_data()
     QTest::addColumn<QString>("precondition");
     QTest::addColumn<QString>("shown");
 
-    QTest::newRow("still migrated") << QStringLiteral("x = 1\nmigrate pqrst002\nmigrate uvwxy003")
-                                    << QStringLiteral("select 2");
+    QTest::newRow("still migrated") << u"x = 1\nmigrate pqrst002\nmigrate uvwxy003"_s
+                                    << u"select 2"_s;
     QTest::newRow("no longer migrated")
-        << QStringLiteral("migrate pqrst002") << QStringLiteral("select pqrst002.*");
+        << u"migrate pqrst002"_s << u"select pqrst002.*"_s;
 }
 
 void MainQueryTest::preconditionStoreKeepsTheShownTable()
@@ -324,22 +322,21 @@ void MainQueryTest::preconditionStoreKeepsTheShownTable()
     QFETCH(QString, shown);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.clickRow(QStringLiteral("lstMigrateSource"), 2);
-    host.replaceText(QStringLiteral("txtMainQuery"), QStringLiteral("select 2"));
-    host.replaceText(QStringLiteral("txtPreCondition"), precondition); // leaving the main query stores it
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), shown);
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.clickRow(u"lstMigrateSource"_s, 2);
+    host.replaceText(u"txtMainQuery"_s, u"select 2"_s);
+    host.replaceText(u"txtPreCondition"_s, precondition); // leaving the main query stores it
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QCOMPARE(host.text(u"txtMainQuery"_s), shown);
 
-    host.replaceText(QStringLiteral("txtMainQuery"), QStringLiteral("select 3"));
-    const XmlElement root = host.read();
-    const bool stillMigrated = precondition.contains(QStringLiteral("uvwxy003"));
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003")).text,
-             stillMigrated ? QStringLiteral("select 3") : QString());
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("pqrst002")).text,
-             stillMigrated ? QStringLiteral("select pqrst002.*") : QStringLiteral("select 3"));
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    host.replaceText(u"txtMainQuery"_s, u"select 3"_s);
+    const XmlElement root = host.document();
+    const bool stillMigrated = precondition.contains(u"uvwxy003"_s);
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s).text,
+             stillMigrated ? u"select 3"_s : QString());
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"pqrst002"_s).text,
+             stillMigrated ? u"select pqrst002.*"_s : u"select 3"_s);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // "Text" opens the documentation dialog on the TEXT attribute of the box's
@@ -354,17 +351,17 @@ void MainQueryTest::documentationDialog_data()
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("stored");
 
-    QTest::newRow("OK with a new text") << true << QString() << true << QStringLiteral("Reads the customers")
-                                        << QString() << QStringLiteral("Reads the customers");
+    QTest::newRow("OK with a new text") << true << QString() << true << u"Reads the customers"_s
+                                        << QString() << u"Reads the customers"_s;
     QTest::newRow("Cancel keeps the text")
-        << true << QStringLiteral("Old note") << false << QStringLiteral("zzz") << QStringLiteral("Old note")
-        << QStringLiteral("Old note");
+        << true << u"Old note"_s << false << u"zzz"_s << u"Old note"_s
+        << u"Old note"_s;
     QTest::newRow("entities decoded for display")
-        << true << QStringLiteral("a &amp;lt; b") << true << QString() << QStringLiteral("a < b")
-        << QStringLiteral("a < b");
+        << true << u"a &amp;lt; b"_s << true << QString() << u"a < b"_s
+        << u"a < b"_s;
     QTest::newRow("read-only: locked, OK disabled")
-        << false << QStringLiteral("Old note") << true << QString() << QStringLiteral("Old note")
-        << QStringLiteral("Old note");
+        << false << u"Old note"_s << true << QString() << u"Old note"_s
+        << u"Old note"_s;
 }
 
 void MainQueryTest::documentationDialog()
@@ -377,26 +374,25 @@ void MainQueryTest::documentationDialog()
     QFETCH(QString, stored);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(textAttribute), edit));
-    QVERIFY(host.button(QStringLiteral("CmdMQDoc"))->isEnabled());
-    boxes.queue(BoxAnswerer::documentation(ok, typed, !typed.isEmpty()));
-    host.click(QStringLiteral("CmdMQDoc"));
+    QVERIFY(host.open(u"klmno001"_s, document(textAttribute), edit));
+    QVERIFY(host.button(u"CmdMQDoc"_s)->isEnabled());
+    host.modals.expect(ModalAnswerer::document(ok, typed.isEmpty() ? QString() : typed));
+    host.click(u"CmdMQDoc"_s);
 
-    QCOMPARE(boxes.seen().size(), 1);
-    const SeenBox dialog = boxes.seen().first();
-    QCOMPARE(dialog.kind, QStringLiteral("FrmTxtDoc"));
-    QCOMPARE(dialog.title, QStringLiteral("Text for Migrate:klmno001"));
+    QCOMPARE(host.modals.records().size(), 1);
+    const ModalRecord dialog = host.modals.records().first();
+    QCOMPARE(dialog.objectName, u"FrmTxtDoc"_s);
+    QCOMPARE(dialog.title, u"Text for Migrate:klmno001"_s);
     QCOMPARE(dialog.text, shown);
     QCOMPARE(dialog.textReadOnly, !edit);
     QCOMPARE(dialog.okEnabled, edit);
 
-    const XmlElement root = host.read();
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("pqrst002"))
-                 .attribute(QStringLiteral("TEXT")),
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"pqrst002"_s)
+                 .attribute(u"TEXT"_s),
              stored);
-    QCOMPARE(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003"))
-                 .attribute(QStringLiteral("TEXT")),
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s)
+                 .attribute(u"TEXT"_s),
              QString());
 }
 
@@ -404,15 +400,14 @@ void MainQueryTest::documentationDialog()
 void MainQueryTest::documentationWithoutQuery()
 {
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(
-        mappingObject(QStringLiteral("<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"), kDefined),
+    QVERIFY(host.open(u"klmno001"_s, 
+        klmnoDocument(u"<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"_s, kDefined),
         true));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")).size(), 2);
-    host.click(QStringLiteral("CmdMQDoc"));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s).size(), 2);
+    host.click(u"CmdMQDoc"_s);
     QTest::qWait(100);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
-    QVERIFY(host.read().child(QStringLiteral("QUERY")).isNull());
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    QVERIFY(host.document().child(u"QUERY"_s).isNull());
 }
 
 // In view mode "Text" is enabled exactly when the shown query has a
@@ -423,11 +418,11 @@ void MainQueryTest::documentationButtonInViewMode_data()
     QTest::addColumn<QString>("xml");
     QTest::addColumn<bool>("enabled");
 
-    QTest::newRow("view mode, with a text") << false << document(QStringLiteral("Note")) << true;
+    QTest::newRow("view mode, with a text") << false << document(u"Note"_s) << true;
     QTest::newRow("view mode, without a text") << false << document() << false;
     QTest::newRow("view mode, without a QUERY")
         << false
-        << mappingObject(QStringLiteral("<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"), kDefined)
+        << klmnoDocument(u"<SRCTBL>pqrst002</SRCTBL><PREC>migrate pqrst002</PREC>"_s, kDefined)
         << false;
     QTest::newRow("edit mode, without a text") << true << document() << true;
 }
@@ -439,8 +434,8 @@ void MainQueryTest::documentationButtonInViewMode()
     QFETCH(bool, enabled);
 
     Host host;
-    QVERIFY(host.show(xml, edit));
-    QCOMPARE(host.button(QStringLiteral("CmdMQDoc"))->isEnabled(), enabled);
+    QVERIFY(host.open(u"klmno001"_s, xml, edit));
+    QCOMPARE(host.button(u"CmdMQDoc"_s)->isEnabled(), enabled);
 }
 
 // The box is writable only in edit mode and while there are migrate sources.
@@ -451,9 +446,9 @@ void MainQueryTest::lock_data()
     QTest::addColumn<bool>("readOnly");
 
     QTest::newRow("edit mode with migrate sources")
-        << true << QStringLiteral("migrate pqrst002\nmigrate uvwxy003") << false;
-    QTest::newRow("edit mode without migrate sources") << true << QStringLiteral("x = 1") << true;
-    QTest::newRow("read-only mode") << false << QStringLiteral("migrate pqrst002\nmigrate uvwxy003") << true;
+        << true << u"migrate pqrst002\nmigrate uvwxy003"_s << false;
+    QTest::newRow("edit mode without migrate sources") << true << u"x = 1"_s << true;
+    QTest::newRow("read-only mode") << false << u"migrate pqrst002\nmigrate uvwxy003"_s << true;
 }
 
 void MainQueryTest::lock()
@@ -463,13 +458,13 @@ void MainQueryTest::lock()
     QFETCH(bool, readOnly);
 
     Host host;
-    QVERIFY(host.show(document(QString(), precondition), edit));
-    QCOMPARE(host.readOnly(QStringLiteral("txtMainQuery")), readOnly);
-    const QString before = host.text(QStringLiteral("txtMainQuery"));
-    host.clickInto(QStringLiteral("txtMainQuery"));
-    QTest::keyClick(host.editor(QStringLiteral("txtMainQuery")), Qt::Key_End, Qt::ControlModifier);
-    QTest::keyClicks(host.editor(QStringLiteral("txtMainQuery")), QStringLiteral(" x"));
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), readOnly ? before : before + QStringLiteral(" x"));
+    QVERIFY(host.open(u"klmno001"_s, document(QString(), precondition), edit));
+    QCOMPARE(host.readOnly(u"txtMainQuery"_s), readOnly);
+    const QString before = host.text(u"txtMainQuery"_s);
+    host.clickInto(u"txtMainQuery"_s);
+    QTest::keyClick(host.find(u"txtMainQuery"_s), Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClicks(host.find(u"txtMainQuery"_s), u" x"_s);
+    QCOMPARE(host.text(u"txtMainQuery"_s), readOnly ? before : before + u" x"_s);
 }
 
 QTEST_MAIN(MainQueryTest)

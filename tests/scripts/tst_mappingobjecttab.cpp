@@ -2,20 +2,20 @@
 // and a person's session on the klmno001 sample from the first key press to
 // the document the host reads back.
 
-#include "ScriptsHarness.h"
+#include "WidgetHarness.h"
 
 #include <QSignalSpy>
 
-using namespace scripts_test;
+using namespace fbtest;
 
 namespace {
 
 QString document()
 {
-    return mappingObject(
-        QStringLiteral("<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
-                       "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"),
-        {QStringLiteral("PQRST002"), QStringLiteral("UVWXY003")});
+    return klmnoDocument(
+        u"<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
+                       "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"_s,
+        {u"PQRST002"_s, u"UVWXY003"_s});
 }
 
 } // namespace
@@ -45,29 +45,29 @@ void MappingObjectTabTest::tabKeys_data()
 
     const int tab = Qt::Key_Tab;
     const int backtab = Qt::Key_Backtab; // Shift+Tab as a keyboard delivers it
-    const QString pre = QStringLiteral("txtPreCondition");
-    const QString mq = QStringLiteral("txtMainQuery");
+    const QString pre = u"txtPreCondition"_s;
+    const QString mq = u"txtMainQuery"_s;
     QTest::newRow("precondition, Ctrl+Tab")
-        << true << pre << tab << int(Qt::ControlModifier) << QStringLiteral("CmdSelectSource") << false;
+        << true << pre << tab << int(Qt::ControlModifier) << u"CmdSelectSource"_s << false;
     QTest::newRow("precondition, Shift+Tab")
-        << true << pre << backtab << int(Qt::ShiftModifier) << QStringLiteral("lstSourceTables") << false;
+        << true << pre << backtab << int(Qt::ShiftModifier) << u"lstSourceTables"_s << false;
     QTest::newRow("precondition, Alt+Tab") << true << pre << tab << int(Qt::AltModifier) << pre << false;
     QTest::newRow("precondition, Ctrl+Shift+Tab")
         << true << pre << backtab << int(Qt::ControlModifier | Qt::ShiftModifier) << pre << false;
     QTest::newRow("precondition, Tab alone") << true << pre << tab << int(Qt::NoModifier) << pre << true;
     QTest::newRow("main query, Ctrl+Tab")
-        << true << mq << tab << int(Qt::ControlModifier) << QStringLiteral("cmdBuildMQ") << false;
+        << true << mq << tab << int(Qt::ControlModifier) << u"cmdBuildMQ"_s << false;
     QTest::newRow("main query, Shift+Tab")
-        << true << mq << backtab << int(Qt::ShiftModifier) << QStringLiteral("lstMigrateSource") << false;
+        << true << mq << backtab << int(Qt::ShiftModifier) << u"lstMigrateSource"_s << false;
     QTest::newRow("main query, Alt+Tab") << true << mq << tab << int(Qt::AltModifier) << mq << false;
     QTest::newRow("main query, Ctrl+Shift+Tab")
         << true << mq << backtab << int(Qt::ControlModifier | Qt::ShiftModifier) << mq << false;
     QTest::newRow("main query, Tab alone") << true << mq << tab << int(Qt::NoModifier) << mq << true;
     // The rule does not look at the mode: a locked box keeps it too.
     QTest::newRow("read-only precondition, Shift+Tab")
-        << false << pre << backtab << int(Qt::ShiftModifier) << QStringLiteral("lstSourceTables") << false;
+        << false << pre << backtab << int(Qt::ShiftModifier) << u"lstSourceTables"_s << false;
     QTest::newRow("read-only main query, Shift+Tab")
-        << false << mq << backtab << int(Qt::ShiftModifier) << QStringLiteral("lstMigrateSource") << false;
+        << false << mq << backtab << int(Qt::ShiftModifier) << u"lstMigrateSource"_s << false;
 }
 
 void MappingObjectTabTest::tabKeys()
@@ -80,8 +80,7 @@ void MappingObjectTabTest::tabKeys()
     QFETCH(bool, tabInserted);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), edit));
+    QVERIFY(host.open(u"klmno001"_s, document(), edit));
     host.clickInto(editor);
     QVERIFY(host.focusIn(editor));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_End, Qt::ControlModifier);
@@ -92,7 +91,7 @@ void MappingObjectTabTest::tabKeys()
                                       ? qPrintable(QApplication::focusWidget()->objectName())
                                       : "no focus");
     QCOMPARE(host.text(editor), tabInserted ? before + u'\t' : before);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // A person's session on the sample: two source tables removed, a precondition
@@ -102,141 +101,139 @@ void MappingObjectTabTest::tabKeys()
 // dropped with Cancel; the host then reads everything back.
 void MappingObjectTabTest::sessionOnTheSample()
 {
-    const QString sample = readExample(QStringLiteral("klmno001.xml"));
+    const QString sample = readSample(u"klmno001.xml"_s);
     const XmlElement original = parseXml(sample);
     QVERIFY(!original.isNull());
-    const QString originalVariables = original.child(QStringLiteral("VAR")).text;
-    QVERIFY(originalVariables.contains(QStringLiteral("~|~")));
+    const QString originalVariables = original.child(u"VAR"_s).text;
+    QVERIFY(originalVariables.contains(u"~|~"_s));
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(sample, true));
-    QSignalSpy saveDisabled(host.control.get(), SIGNAL(SaveDoneDisabled()));
-    QSignalSpy saveEnabled(host.control.get(), SIGNAL(SaveDoneEnabled()));
+    QVERIFY(host.open(u"klmno001"_s, sample, true));
+    QSignalSpy saveDisabled(host.ctl, SIGNAL(SaveDoneDisabled()));
+    QSignalSpy saveEnabled(host.ctl, SIGNAL(SaveDoneEnabled()));
     QCOMPARE(
-        host.rows(QStringLiteral("lstSourceTables")),
-        (QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003"), QStringLiteral("abcde004")}));
+        host.rows(u"lstSourceTables"_s),
+        (QStringList{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s}));
     QVERIFY(host.tabs()->isTabEnabled(1));
 
     // Two source tables removed with the Delete key.
     for (int i = 0; i < 2; ++i) {
-        host.clickRow(QStringLiteral("lstSourceTables"), 1);
-        QTest::keyClick(host.view(QStringLiteral("lstSourceTables")), Qt::Key_Delete);
+        host.clickRow(u"lstSourceTables"_s, 1);
+        QTest::keyClick(host.view(u"lstSourceTables"_s), Qt::Key_Delete);
     }
-    QCOMPARE(host.control->property("SourceTables").toString(), QStringLiteral("pqrst002"));
+    QCOMPARE(host.ctl->property("SourceTables").toString(), u"pqrst002"_s);
 
     // A precondition naming both again.
-    const QString precondition = QStringLiteral(
-        "| addresses and order statistics\nmigrate uvwxy003\nmigrate abcde004\nif not exists(\"uvwxy003\") "
-        "then\n\tabort(\"no addresses\")\nendif\ndump 1 Customers");
-    host.replaceText(QStringLiteral("txtPreCondition"), precondition);
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), precondition);
+    const QString precondition = u"| addresses and order statistics\nmigrate uvwxy003\nmigrate abcde004\nif not exists(\"uvwxy003\") "
+        "then\n\tabort(\"no addresses\")\nendif\ndump 1 Customers"_s;
+    host.replaceText(u"txtPreCondition"_s, precondition);
+    QCOMPARE(host.text(u"txtPreCondition"_s), precondition);
 
-    const QStringList afterStore{QStringLiteral("pqrst002,uvwxy003"),
-                                 QStringLiteral("pqrst002,uvwxy003,abcde004"),
-                                 QStringLiteral("pqrst002,uvwxy003,abcde004")};
+    const QStringList afterStore{u"pqrst002,uvwxy003"_s,
+                                 u"pqrst002,uvwxy003,abcde004"_s,
+                                 u"pqrst002,uvwxy003,abcde004"_s};
     const QList<bool> enabledAfterStore{false, false, true};
     for (int store = 0; store < afterStore.size(); ++store) {
-        if (store > 0) host.clickInto(QStringLiteral("txtPreCondition"));
-        host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-        QCOMPARE(host.control->property("SourceTables").toString(), afterStore[store]);
+        if (store > 0) host.clickInto(u"txtPreCondition"_s);
+        host.clickBelowRows(u"lstSourceTables"_s);
+        QCOMPARE(host.ctl->property("SourceTables").toString(), afterStore[store]);
         QCOMPARE(host.tabs()->isTabEnabled(1), enabledAfterStore[store]);
     }
     QCOMPARE(
-        host.rows(QStringLiteral("lstSourceTables")),
-        (QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003"), QStringLiteral("abcde004")}));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")),
-             (QStringList{QStringLiteral("migrate uvwxy003"), QString(), QStringLiteral("migrate abcde004"),
+        host.rows(u"lstSourceTables"_s),
+        (QStringList{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s}));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s),
+             (QStringList{u"migrate uvwxy003"_s, QString(), u"migrate abcde004"_s,
                           QString()}));
     // pqrst002 is no longer migrated: the box shows the first migrate table's query.
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")),
-             original.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003")).text);
+    QCOMPARE(host.text(u"txtMainQuery"_s),
+             original.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s).text);
 
     // A main query for each migrate table, each referencing a dump.
     const QString addresses =
-        QStringLiteral("select uvwxy003.*\nfrom uvwxy003\nselectdo\n\tdump 4 Addresses\nendselect");
-    const QString statistics = QStringLiteral("select abcde004.*\nfrom abcde004\ndump 5 Statistics");
-    host.replaceText(QStringLiteral("txtMainQuery"), addresses);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), addresses);
-    host.clickRow(QStringLiteral("lstMigrateSource"), 2);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QString());
-    host.replaceText(QStringLiteral("txtMainQuery"), statistics);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), statistics);
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    host.clickRow(QStringLiteral("lstMigrateSource"), 0);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), addresses);
+        u"select uvwxy003.*\nfrom uvwxy003\nselectdo\n\tdump 4 Addresses\nendselect"_s;
+    const QString statistics = u"select abcde004.*\nfrom abcde004\ndump 5 Statistics"_s;
+    host.replaceText(u"txtMainQuery"_s, addresses);
+    QCOMPARE(host.text(u"txtMainQuery"_s), addresses);
+    host.clickRow(u"lstMigrateSource"_s, 2);
+    QCOMPARE(host.text(u"txtMainQuery"_s), QString());
+    host.replaceText(u"txtMainQuery"_s, statistics);
+    QCOMPARE(host.text(u"txtMainQuery"_s), statistics);
+    host.clickBelowRows(u"lstSourceTables"_s);
+    host.clickRow(u"lstMigrateSource"_s, 0);
+    QCOMPARE(host.text(u"txtMainQuery"_s), addresses);
 
     // Functions edited and kept with OK.
     const QString functions =
-        QStringLiteral("function extern long one()\n{\n\tdump 6 Helpers\n\treturn 1\n}");
-    host.click(QStringLiteral("CmdFunction"));
+        u"function extern long one()\n{\n\tdump 6 Helpers\n\treturn 1\n}"_s;
+    host.click(u"CmdFunction"_s);
     QCOMPARE(saveDisabled.count(), 1);
-    host.replaceText(QStringLiteral("txtFunctions"), functions);
-    host.click(QStringLiteral("CmdOk"));
+    host.replaceText(u"txtFunctions"_s, functions);
+    host.click(u"CmdOk"_s);
     QCOMPARE(saveEnabled.count(), 1);
 
     // Variables shown decoded, edited, and the edit dropped with Cancel.
-    host.click(QStringLiteral("CmdVariables"));
+    host.click(u"CmdVariables"_s);
     QCOMPARE(saveDisabled.count(), 2);
-    QCOMPARE(host.text(QStringLiteral("txtVariables")),
+    QCOMPARE(host.text(u"txtVariables"_s),
              QString(originalVariables)
-                 .replace(QStringLiteral("~|~"), QStringLiteral("\t"))
-                 .replace(QStringLiteral("~^~"), QStringLiteral("\n")));
-    host.replaceText(QStringLiteral("txtVariables"), QStringLiteral("nothing = 0"));
-    host.click(QStringLiteral("CmdCancel"));
+                 .replace(u"~|~"_s, u"\t"_s)
+                 .replace(u"~^~"_s, u"\n"_s));
+    host.replaceText(u"txtVariables"_s, u"nothing = 0"_s);
+    host.click(u"CmdCancel"_s);
     QCOMPARE(saveEnabled.count(), 2);
-    QVERIFY(host.focusIn(QStringLiteral("txtPreCondition")));
+    QVERIFY(host.focusIn(u"txtPreCondition"_s));
 
     // Everything read back.
-    const QString xml = host.control->property("MappingObjectXML").toString();
+    const QString xml = host.ctl->property("MappingObjectXML").toString();
     const XmlElement root = parseXml(xml);
     QVERIFY(!root.isNull());
-    QCOMPARE(root.name, QStringLiteral("klmno001"));
-    QCOMPARE(root.child(QStringLiteral("SRCTBL")).text, QStringLiteral("pqrst002,uvwxy003,abcde004"));
-    QCOMPARE(lf(root.child(QStringLiteral("PREC")).text), precondition);
-    QCOMPARE(root.child(QStringLiteral("PREC")).attribute(QStringLiteral("TEXT")), QStringLiteral("12"));
+    QCOMPARE(root.name, u"klmno001"_s);
+    QCOMPARE(root.child(u"SRCTBL"_s).text, u"pqrst002,uvwxy003,abcde004"_s);
+    QCOMPARE(root.child(u"PREC"_s).text, precondition);
+    QCOMPARE(root.child(u"PREC"_s).attribute(u"TEXT"_s), u"12"_s);
 
     QStringList queries;
-    for (const XmlElement& q : root.all(QStringLiteral("QUERY")))
-        queries.append(q.attribute(QStringLiteral("ST")));
+    for (const XmlElement& q : root.all(u"QUERY"_s))
+        queries.append(q.attribute(u"ST"_s));
     queries.sort();
-    QCOMPARE(queries, (QStringList{QStringLiteral("abcde004"), QStringLiteral("uvwxy003")}));
+    QCOMPARE(queries, (QStringList{u"abcde004"_s, u"uvwxy003"_s}));
     const XmlElement addressQuery =
-        root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003"));
-    QCOMPARE(lf(addressQuery.text), addresses);
-    QCOMPARE(addressQuery.attribute(QStringLiteral("TEXT")),
-             original.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("uvwxy003"))
-                 .attribute(QStringLiteral("TEXT")));
-    QCOMPARE(lf(root.child(QStringLiteral("QUERY"), QStringLiteral("ST"), QStringLiteral("abcde004")).text),
+        root.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s);
+    QCOMPARE(addressQuery.text, addresses);
+    QCOMPARE(addressQuery.attribute(u"TEXT"_s),
+             original.child(u"QUERY"_s, u"ST"_s, u"uvwxy003"_s)
+                 .attribute(u"TEXT"_s));
+    QCOMPARE(root.child(u"QUERY"_s, u"ST"_s, u"abcde004"_s).text,
              statistics);
 
     QStringList dumps;
-    for (const XmlElement& d : root.all(QStringLiteral("DUMP")))
-        dumps.append(d.attribute(QStringLiteral("No")));
+    for (const XmlElement& d : root.all(u"DUMP"_s))
+        dumps.append(d.attribute(u"No"_s));
     dumps.sort();
-    QCOMPARE(dumps, (QStringList{QStringLiteral("1"), QStringLiteral("4"), QStringLiteral("5"),
-                                 QStringLiteral("6")}));
+    QCOMPARE(dumps, (QStringList{u"1"_s, u"4"_s, u"5"_s,
+                                 u"6"_s}));
     // Dump 1 is still referenced and keeps its rules.
-    QCOMPARE(root.child(QStringLiteral("DUMP"), QStringLiteral("No"), QStringLiteral("1"))
-                 .child(QStringLiteral("CUSTNO"))
+    QCOMPARE(root.child(u"DUMP"_s, u"No"_s, u"1"_s)
+                 .child(u"CUSTNO"_s)
                  .text,
-             QStringLiteral("pqrst002.custno"));
+             u"pqrst002.custno"_s);
 
-    QCOMPARE(lf(root.child(QStringLiteral("FUNCTIONS")).text), functions);
-    QCOMPARE(root.child(QStringLiteral("VAR")).text, originalVariables);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QCOMPARE(root.child(u"FUNCTIONS"_s).text, functions);
+    QCOMPARE(root.child(u"VAR"_s).text, originalVariables);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 
     // The host shows the document again: the session's work is there.
     Host again;
-    QVERIFY(again.show(xml, true));
-    QCOMPARE(again.text(QStringLiteral("txtPreCondition")), precondition);
+    QVERIFY(again.open(u"klmno001"_s, xml, true));
+    QCOMPARE(again.text(u"txtPreCondition"_s), precondition);
     QCOMPARE(
-        again.rows(QStringLiteral("lstSourceTables")),
-        (QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003"), QStringLiteral("abcde004")}));
-    QCOMPARE(again.rows(QStringLiteral("lstMigrateSource")),
-             (QStringList{QStringLiteral("migrate uvwxy003"), QString(), QStringLiteral("migrate abcde004"),
+        again.rows(u"lstSourceTables"_s),
+        (QStringList{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s}));
+    QCOMPARE(again.rows(u"lstMigrateSource"_s),
+             (QStringList{u"migrate uvwxy003"_s, QString(), u"migrate abcde004"_s,
                           QString()}));
-    QCOMPARE(again.text(QStringLiteral("txtMainQuery")), addresses);
+    QCOMPARE(again.text(u"txtMainQuery"_s), addresses);
     QVERIFY(again.tabs()->isTabEnabled(1));
 }
 

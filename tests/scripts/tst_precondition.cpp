@@ -2,33 +2,33 @@
 // statements checked with their messages, the host's condition builder and
 // its answer through PreCondition, and the documentation dialog.
 
-#include "ScriptsHarness.h"
+#include "WidgetHarness.h"
 
 #include <QSignalSpy>
 
-using namespace scripts_test;
+using namespace fbtest;
 
 namespace {
 
-const QStringList kDefined{QStringLiteral("PQRST002"), QStringLiteral("UVWXY003")};
+const QStringList kDefined{u"PQRST002"_s, u"UVWXY003"_s};
 
 // Two source tables, the precondition migrating the first.
-QString document(const QString& precondition = QStringLiteral("migrate pqrst002"),
+QString document(const QString& precondition = u"migrate pqrst002"_s,
                  const QString& preconditionText = QString())
 {
-    return mappingObject(QStringLiteral("<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\"") +
-                             preconditionText + QStringLiteral("\">") + precondition +
-                             QStringLiteral("</PREC><QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"),
+    return klmnoDocument(u"<SRCTBL>pqrst002,uvwxy003</SRCTBL><PREC TEXT=\""_s +
+                             preconditionText + u"\">"_s + precondition +
+                             u"</PREC><QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"_s,
                          kDefined);
 }
 
 QString documentWithoutPrecondition()
 {
-    return mappingObject(QStringLiteral("<SRCTBL>pqrst002,uvwxy003</SRCTBL>"), kDefined);
+    return klmnoDocument(u"<SRCTBL>pqrst002,uvwxy003</SRCTBL>"_s, kDefined);
 }
 
-const QStringList kPqrstRows{QStringLiteral("migrate pqrst002"), QString()};
-const QStringList kUvwxyRows{QStringLiteral("migrate uvwxy003"), QString()};
+const QStringList kPqrstRows{u"migrate pqrst002"_s, QString()};
+const QStringList kUvwxyRows{u"migrate uvwxy003"_s, QString()};
 
 } // namespace
 
@@ -62,7 +62,7 @@ void PreconditionTest::storedWhenTheFocusLeaves_data()
     QTest::addColumn<bool>("stored");
 
     QTest::newRow("stored into PREC, then migrate sources worked out")
-        << document(QStringLiteral("migrate pqrst002"), QStringLiteral("7")) << kPqrstRows << kUvwxyRows
+        << document(u"migrate pqrst002"_s, u"7"_s) << kPqrstRows << kUvwxyRows
         << true;
     QTest::newRow("no PREC: nothing kept")
         << documentWithoutPrecondition() << QStringList() << QStringList() << false;
@@ -75,29 +75,28 @@ void PreconditionTest::storedWhenTheFocusLeaves()
     QFETCH(QStringList, rowsAfter);
     QFETCH(bool, stored);
 
-    const QString typed = QStringLiteral("migrate uvwxy003\nx = 1");
+    const QString typed = u"migrate uvwxy003\nx = 1"_s;
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(xml, true));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), rowsBefore);
+    QVERIFY(host.open(u"klmno001"_s, xml, true));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), rowsBefore);
 
-    host.replaceText(QStringLiteral("txtPreCondition"), typed);
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), typed);
+    host.replaceText(u"txtPreCondition"_s, typed);
+    QCOMPARE(host.text(u"txtPreCondition"_s), typed);
     // Typing alone stores nothing.
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), rowsBefore);
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), rowsBefore);
 
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), rowsAfter);
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), rowsAfter);
 
-    const XmlElement root = host.read();
+    const XmlElement root = host.document();
     if (stored) {
-        QCOMPARE(lf(root.child(QStringLiteral("PREC")).text), typed);
-        QCOMPARE(root.child(QStringLiteral("PREC")).attribute(QStringLiteral("TEXT")), QStringLiteral("7"));
+        QCOMPARE(root.child(u"PREC"_s).text, typed);
+        QCOMPARE(root.child(u"PREC"_s).attribute(u"TEXT"_s), u"7"_s);
     } else {
-        QVERIFY(root.child(QStringLiteral("PREC")).isNull());
+        QVERIFY(root.child(u"PREC"_s).isNull());
     }
-    QCOMPARE(root.child(QStringLiteral("SRCTBL")).text, QStringLiteral("pqrst002,uvwxy003"));
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QCOMPARE(root.child(u"SRCTBL"_s).text, u"pqrst002,uvwxy003"_s);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // The "migrate" statements are parsed when the precondition is stored. Bad
@@ -110,36 +109,36 @@ void PreconditionTest::migrateStatementsChecked_data()
     QTest::addColumn<bool>("focusBack");
     QTest::addColumn<QStringList>("migrateRows");
 
-    const QString tooShort = QStringLiteral("Table Name not Valid");
-    const QString noName = QStringLiteral("Migrate Keyword Has to be followed by a TableName");
-    QTest::newRow("name too short") << QStringLiteral("migrate KLM") << QStringList{tooShort} << true
+    const QString tooShort = u"Table Name not Valid"_s;
+    const QString noName = u"Migrate Keyword Has to be followed by a TableName"_s;
+    QTest::newRow("name too short") << u"migrate KLM"_s << QStringList{tooShort} << true
                                     << QStringList();
     QTest::newRow("digit among the first five")
-        << QStringLiteral("migrate 1LMNO001") << QStringList{QStringLiteral("Invalid table name '1LMNO001'")}
+        << u"migrate 1LMNO001"_s << QStringList{u"Invalid table name '1LMNO001'"_s}
         << true << QStringList();
     QTest::newRow("letters among the last three")
-        << QStringLiteral("migrate KLMNOXYZ") << QStringList{QStringLiteral("Invalid table name 'KLMNOXYZ'")}
+        << u"migrate KLMNOXYZ"_s << QStringList{u"Invalid table name 'KLMNOXYZ'"_s}
         << true << QStringList();
     QTest::newRow("bad name skipped, scan goes on")
-        << QStringLiteral("migrate pqrst002\nmigrate KLM\nmigrate uvwxy003") << QStringList{tooShort} << true
+        << u"migrate pqrst002\nmigrate KLM\nmigrate uvwxy003"_s << QStringList{tooShort} << true
         << (kPqrstRows + kUvwxyRows);
     QTest::newRow("two bad names, two messages")
-        << QStringLiteral("migrate KLM\nmigrate 1LMNO001")
-        << QStringList{tooShort, QStringLiteral("Invalid table name '1LMNO001'")} << true << QStringList();
+        << u"migrate KLM\nmigrate 1LMNO001"_s
+        << QStringList{tooShort, u"Invalid table name '1LMNO001'"_s} << true << QStringList();
     QTest::newRow("keyword ends the text")
-        << QStringLiteral("migrate pqrst002\nmigrate") << QStringList{noName} << false << kPqrstRows;
+        << u"migrate pqrst002\nmigrate"_s << QStringList{noName} << false << kPqrstRows;
     QTest::newRow("keyword and one blank end the text")
-        << QStringLiteral("migrate pqrst002\nmigrate ") << QStringList{noName} << false << kPqrstRows;
+        << u"migrate pqrst002\nmigrate "_s << QStringList{noName} << false << kPqrstRows;
     QTest::newRow("a word ending in migrate ends the text")
-        << QStringLiteral("migrate pqrst002 premigrate") << QStringList{noName} << false << kPqrstRows;
+        << u"migrate pqrst002 premigrate"_s << QStringList{noName} << false << kPqrstRows;
     QTest::newRow("not a whole word")
-        << QStringLiteral("xmigrate pqrst002") << QStringList() << false << QStringList();
+        << u"xmigrate pqrst002"_s << QStringList() << false << QStringList();
     QTest::newRow("same table twice, silently once")
-        << QStringLiteral("migrate pqrst002 migrate pqrst002") << QStringList() << false << kPqrstRows;
+        << u"migrate pqrst002 migrate pqrst002"_s << QStringList() << false << kPqrstRows;
     QTest::newRow("the same name in other letters counts twice")
-        << QStringLiteral("migrate pqrst002 migrate PQRST002") << QStringList() << false
-        << (kPqrstRows + QStringList{QStringLiteral("migrate PQRST002"), QString()});
-    QTest::newRow("capitals, tab and line break") << QStringLiteral("MIGRATE\tuvwxy003\nmigrate pqrst002")
+        << u"migrate pqrst002 migrate PQRST002"_s << QStringList() << false
+        << (kPqrstRows + QStringList{u"migrate PQRST002"_s, QString()});
+    QTest::newRow("capitals, tab and line break") << u"MIGRATE\tuvwxy003\nmigrate pqrst002"_s
                                                   << QStringList() << false << (kUvwxyRows + kPqrstRows);
 }
 
@@ -151,27 +150,28 @@ void PreconditionTest::migrateStatementsChecked()
     QFETCH(QStringList, migrateRows);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(QString()), true));
-    host.replaceText(QStringLiteral("txtPreCondition"), typed);
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), typed);
-    QVERIFY(boxes.seen().isEmpty());
-
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QCOMPARE(boxes.texts(), messages);
-    for (const SeenBox& box : boxes.seen()) {
-        QCOMPARE(box.kind, QStringLiteral("message"));
+    QVERIFY(host.open(u"klmno001"_s, document(QString()), true));
+    host.replaceText(u"txtPreCondition"_s, typed);
+    QCOMPARE(host.text(u"txtPreCondition"_s), typed);
+    QVERIFY(host.modals.records().isEmpty());
+    for (qsizetype i = 0; i < messages.size(); ++i)
+        host.modals.expect(ModalAnswerer::press(QMessageBox::Ok));
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QCOMPARE(host.modals.texts(), messages);
+    for (const ModalRecord& box : host.modals.records()) {
+        QCOMPARE(box.className, u"QMessageBox"_s);
         QCOMPARE(box.icon, QMessageBox::Critical);
         QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     }
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), migrateRows);
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), migrateRows);
     if (focusBack) {
         QVERIFY(host.activate());
-        QVERIFY(host.focusIn(QStringLiteral("txtPreCondition")));
+        QVERIFY(host.focusIn(u"txtPreCondition"_s));
     }
 
-    boxes.clear();
-    QCOMPARE(lf(host.read().child(QStringLiteral("PREC")).text), typed);
+    QVERIFY(host.modals.unexpected().isEmpty());
+    host.modals.clear();
+    QCOMPARE(host.document().child(u"PREC"_s).text, typed);
 }
 
 // "Build" hands the precondition AS STORED and the source tables to the
@@ -184,10 +184,10 @@ void PreconditionTest::conditionBuilder_data()
     QTest::addColumn<QString>("condition");
 
     QTest::newRow("click: leaving the box stores it first")
-        << true << QStringLiteral("click") << 1 << QStringLiteral("migrate pqrst002\ny = 2");
+        << true << u"click"_s << 1 << u"migrate pqrst002\ny = 2"_s;
     QTest::newRow("access key without leaving: the stored text")
-        << true << QStringLiteral("access key") << 1 << QStringLiteral("migrate pqrst002");
-    QTest::newRow("read-only: the button is disabled") << false << QStringLiteral("click") << 0 << QString();
+        << true << u"access key"_s << 1 << u"migrate pqrst002"_s;
+    QTest::newRow("read-only: the button is disabled") << false << u"click"_s << 0 << QString();
 }
 
 void PreconditionTest::conditionBuilder()
@@ -198,44 +198,43 @@ void PreconditionTest::conditionBuilder()
     QFETCH(QString, condition);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), edit));
-    ctlFieldbridge* control = host.control.get();
+    QVERIFY(host.open(u"klmno001"_s, document(), edit));
+    ctlFieldbridge* control = host.ctl;
     QSignalSpy spy(control, SIGNAL(ShowConditionBuilderPopUp(QString, QString)));
     QVERIFY(spy.isValid());
     // The host's builder answers at once.
     QObject::connect(control, &ctlFieldbridge::ShowConditionBuilderPopUp, control,
                      [control](const QString&, const QString&) {
                          control->setProperty("PreCondition",
-                                              QStringLiteral("migrate uvwxy003\nif a &lt; b"));
+                                              u"migrate uvwxy003\nif a &lt; b"_s);
                      });
 
     if (edit) {
-        host.replaceText(QStringLiteral("txtPreCondition"), QStringLiteral("migrate pqrst002\ny = 2"));
-        QCOMPARE(host.text(QStringLiteral("txtPreCondition")), QStringLiteral("migrate pqrst002\ny = 2"));
+        host.replaceText(u"txtPreCondition"_s, u"migrate pqrst002\ny = 2"_s);
+        QCOMPARE(host.text(u"txtPreCondition"_s), u"migrate pqrst002\ny = 2"_s);
     }
     if (how == QLatin1String("click")) {
-        host.click(QStringLiteral("CmdBuildPre"));
+        host.click(u"CmdBuildPre"_s);
     } else {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_B, Qt::AltModifier);
         QTRY_COMPARE(spy.count(), 1);
-        QVERIFY(host.focusIn(QStringLiteral("txtPreCondition"))); // the box was never left
+        QVERIFY(host.focusIn(u"txtPreCondition"_s)); // the box was never left
     }
     QCOMPARE(spy.count(), raised);
     if (!raised) {
-        QCOMPARE(host.text(QStringLiteral("txtPreCondition")), QStringLiteral("migrate pqrst002"));
+        QCOMPARE(host.text(u"txtPreCondition"_s), u"migrate pqrst002"_s);
         return;
     }
     QCOMPARE(lf(spy.first().at(0).toString()), condition);
-    QCOMPARE(spy.first().at(1).toString(), QStringLiteral("pqrst002,uvwxy003"));
+    QCOMPARE(spy.first().at(1).toString(), u"pqrst002,uvwxy003"_s);
 
     // The answer: decoded into the box, stored, migrate sources worked out.
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), QStringLiteral("migrate uvwxy003\nif a < b"));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), kUvwxyRows);
-    QVERIFY(host.button(QStringLiteral("CmdBuildPre"))->isEnabled());
-    QCOMPARE(lf(host.read().child(QStringLiteral("PREC")).text),
-             QStringLiteral("migrate uvwxy003\nif a < b"));
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QCOMPARE(host.text(u"txtPreCondition"_s), u"migrate uvwxy003\nif a < b"_s);
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), kUvwxyRows);
+    QVERIFY(host.button(u"CmdBuildPre"_s)->isEnabled());
+    QCOMPARE(host.document().child(u"PREC"_s).text,
+             u"migrate uvwxy003\nif a < b"_s);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // PreCondition: the text is decoded (the four entities, in any letter case),
@@ -248,20 +247,20 @@ void PreconditionTest::preConditionProperty_data()
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("shownAgain"); // after the read-back text is shown by a new control
 
-    const QString m = QStringLiteral("migrate uvwxy003\n");
-    QTest::newRow("less-than") << true << m + QStringLiteral("if a &lt; b") << m + QStringLiteral("if a < b")
-                               << m + QStringLiteral("if a < b");
+    const QString m = u"migrate uvwxy003\n"_s;
+    QTest::newRow("less-than") << true << m + u"if a &lt; b"_s << m + u"if a < b"_s
+                               << m + u"if a < b"_s;
     QTest::newRow("an entity of an entity: decoded once more when shown again")
-        << true << m + QStringLiteral("x&amp;lt;y") << m + QStringLiteral("x&lt;y")
-        << m + QStringLiteral("x<y");
+        << true << m + u"x&amp;lt;y"_s << m + u"x&lt;y"_s
+        << m + u"x<y"_s;
     QTest::newRow("entities in any letter case")
-        << true << m + QStringLiteral("a&LT;b&Gt;c") << m + QStringLiteral("a<b>c")
-        << m + QStringLiteral("a<b>c");
+        << true << m + u"a&LT;b&Gt;c"_s << m + u"a<b>c"_s
+        << m + u"a<b>c"_s;
     QTest::newRow("quotation marks and ampersand")
-        << true << m + QStringLiteral("s = &quot;D&quot; &amp; t") << m + QStringLiteral("s = \"D\" & t")
-        << m + QStringLiteral("s = \"D\" & t");
-    QTest::newRow("read-only host") << false << m + QStringLiteral("if a &gt; b")
-                                    << m + QStringLiteral("if a > b") << m + QStringLiteral("if a > b");
+        << true << m + u"s = &quot;D&quot; &amp; t"_s << m + u"s = \"D\" & t"_s
+        << m + u"s = \"D\" & t"_s;
+    QTest::newRow("read-only host") << false << m + u"if a &gt; b"_s
+                                    << m + u"if a > b"_s << m + u"if a > b"_s;
 }
 
 void PreconditionTest::preConditionProperty()
@@ -272,22 +271,21 @@ void PreconditionTest::preConditionProperty()
     QFETCH(QString, shownAgain);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), edit));
-    QCOMPARE(host.button(QStringLiteral("CmdBuildPre"))->isEnabled(), edit);
+    QVERIFY(host.open(u"klmno001"_s, document(), edit));
+    QCOMPARE(host.button(u"CmdBuildPre"_s)->isEnabled(), edit);
 
-    host.control->setProperty("PreCondition", assigned);
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), shown);
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), kUvwxyRows); // stored and parsed at once
-    QVERIFY(host.button(QStringLiteral("CmdBuildPre"))->isEnabled());
+    host.ctl->setProperty("PreCondition", assigned);
+    QCOMPARE(host.text(u"txtPreCondition"_s), shown);
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), kUvwxyRows); // stored and parsed at once
+    QVERIFY(host.button(u"CmdBuildPre"_s)->isEnabled());
 
-    const QString xml = host.control->property("MappingObjectXML").toString();
-    QCOMPARE(lf(parseXml(xml).child(QStringLiteral("PREC")).text), shown);
+    const QString xml = host.ctl->property("MappingObjectXML").toString();
+    QCOMPARE(parseXml(xml).child(u"PREC"_s).text, shown);
 
     Host again;
-    QVERIFY(again.show(xml, edit));
-    QCOMPARE(again.text(QStringLiteral("txtPreCondition")), shownAgain);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    QVERIFY(again.open(u"klmno001"_s, xml, edit));
+    QCOMPARE(again.text(u"txtPreCondition"_s), shownAgain);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // "Text" opens the documentation dialog on PREC's TEXT attribute, decoded;
@@ -302,17 +300,17 @@ void PreconditionTest::documentationDialog_data()
     QTest::addColumn<QString>("stored");
 
     QTest::newRow("OK with a new text")
-        << true << QStringLiteral("12") << true << QStringLiteral("Checks the customers")
-        << QStringLiteral("12") << QStringLiteral("Checks the customers");
-    QTest::newRow("Cancel keeps the text") << true << QStringLiteral("12") << false << QStringLiteral("zzz")
-                                           << QStringLiteral("12") << QStringLiteral("12");
+        << true << u"12"_s << true << u"Checks the customers"_s
+        << u"12"_s << u"Checks the customers"_s;
+    QTest::newRow("Cancel keeps the text") << true << u"12"_s << false << u"zzz"_s
+                                           << u"12"_s << u"12"_s;
     QTest::newRow("entities decoded for display")
-        << true << QStringLiteral("a &amp;lt; b") << true << QString() << QStringLiteral("a < b")
-        << QStringLiteral("a < b");
+        << true << u"a &amp;lt; b"_s << true << QString() << u"a < b"_s
+        << u"a < b"_s;
     QTest::newRow("read-only: locked, OK disabled")
-        << false << QStringLiteral("12") << true << QString() << QStringLiteral("12") << QStringLiteral("12");
-    QTest::newRow("two lines kept") << true << QStringLiteral("line 1&#10;line 2") << true << QString()
-                                    << QStringLiteral("line 1\nline 2") << QStringLiteral("line 1\nline 2");
+        << false << u"12"_s << true << QString() << u"12"_s << u"12"_s;
+    QTest::newRow("two lines kept") << true << u"line 1&#10;line 2"_s << true << QString()
+                                    << u"line 1\nline 2"_s << u"line 1\nline 2"_s;
 }
 
 void PreconditionTest::documentationDialog()
@@ -325,21 +323,20 @@ void PreconditionTest::documentationDialog()
     QFETCH(QString, stored);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(QStringLiteral("migrate pqrst002"), textAttribute), edit));
-    QVERIFY(host.button(QStringLiteral("CmdPreDoc"))->isEnabled());
-    boxes.queue(BoxAnswerer::documentation(ok, typed, !typed.isEmpty()));
-    host.click(QStringLiteral("CmdPreDoc"));
+    QVERIFY(host.open(u"klmno001"_s, document(u"migrate pqrst002"_s, textAttribute), edit));
+    QVERIFY(host.button(u"CmdPreDoc"_s)->isEnabled());
+    host.modals.expect(ModalAnswerer::document(ok, typed.isEmpty() ? QString() : typed));
+    host.click(u"CmdPreDoc"_s);
 
-    QCOMPARE(boxes.seen().size(), 1);
-    const SeenBox dialog = boxes.seen().first();
-    QCOMPARE(dialog.kind, QStringLiteral("FrmTxtDoc"));
-    QCOMPARE(dialog.title, QStringLiteral("Precondition Text"));
+    QCOMPARE(host.modals.records().size(), 1);
+    const ModalRecord dialog = host.modals.records().first();
+    QCOMPARE(dialog.objectName, u"FrmTxtDoc"_s);
+    QCOMPARE(dialog.title, u"Precondition Text"_s);
     QCOMPARE(dialog.text, shown);
     QCOMPARE(dialog.textReadOnly, !edit);
     QCOMPARE(dialog.okEnabled, edit);
 
-    QCOMPARE(lf(host.read().child(QStringLiteral("PREC")).attribute(QStringLiteral("TEXT"))), stored);
+    QCOMPARE(host.document().child(u"PREC"_s).attribute(u"TEXT"_s), stored);
 }
 
 // In view mode "Text" is enabled exactly when the precondition has a
@@ -350,7 +347,7 @@ void PreconditionTest::documentationButtonInViewMode_data()
     QTest::addColumn<QString>("textAttribute");
     QTest::addColumn<bool>("enabled");
 
-    QTest::newRow("view mode, with a text") << false << QStringLiteral("12") << true;
+    QTest::newRow("view mode, with a text") << false << u"12"_s << true;
     QTest::newRow("view mode, without a text") << false << QString() << false;
     QTest::newRow("edit mode, without a text") << true << QString() << true;
 }
@@ -362,19 +359,18 @@ void PreconditionTest::documentationButtonInViewMode()
     QFETCH(bool, enabled);
 
     Host host;
-    QVERIFY(host.show(document(QStringLiteral("migrate pqrst002"), textAttribute), edit));
-    QCOMPARE(host.button(QStringLiteral("CmdPreDoc"))->isEnabled(), enabled);
+    QVERIFY(host.open(u"klmno001"_s, document(u"migrate pqrst002"_s, textAttribute), edit));
+    QCOMPARE(host.button(u"CmdPreDoc"_s)->isEnabled(), enabled);
 }
 
 void PreconditionTest::documentationWithoutPrecondition()
 {
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(documentWithoutPrecondition(), true));
-    host.click(QStringLiteral("CmdPreDoc"));
+    QVERIFY(host.open(u"klmno001"_s, documentWithoutPrecondition(), true));
+    host.click(u"CmdPreDoc"_s);
     QTest::qWait(100);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
-    QVERIFY(host.read().child(QStringLiteral("PREC")).isNull());
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
+    QVERIFY(host.document().child(u"PREC"_s).isNull());
 }
 
 // A host reading the document while the person is still typing gets the
@@ -383,16 +379,15 @@ void PreconditionTest::documentationWithoutPrecondition()
 void PreconditionTest::readingTheDocumentStoresThePendingText()
 {
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(), true));
-    host.replaceText(QStringLiteral("txtPreCondition"), QStringLiteral("migrate uvwxy003"));
-    QVERIFY(host.focusIn(QStringLiteral("txtPreCondition")));
+    QVERIFY(host.open(u"klmno001"_s, document(), true));
+    host.replaceText(u"txtPreCondition"_s, u"migrate uvwxy003"_s);
+    QVERIFY(host.focusIn(u"txtPreCondition"_s));
 
-    const XmlElement root = host.read();
-    QCOMPARE(root.child(QStringLiteral("PREC")).text, QStringLiteral("migrate uvwxy003"));
-    QVERIFY(root.child(QStringLiteral("QUERY")).isNull());
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), kUvwxyRows);
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"PREC"_s).text, u"migrate uvwxy003"_s);
+    QVERIFY(root.child(u"QUERY"_s).isNull());
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), kUvwxyRows);
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 QTEST_MAIN(PreconditionTest)

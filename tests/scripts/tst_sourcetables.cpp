@@ -2,20 +2,20 @@
 // rows, the host's picker and its answer, the Delete key, and the
 // reconciliation with the tables that the precondition migrates from.
 
-#include "ScriptsHarness.h"
+#include "WidgetHarness.h"
 
 #include <QSignalSpy>
 
-using namespace scripts_test;
+using namespace fbtest;
 
 namespace {
 
 QString document(const QString& sourceTables, const QString& precondition = QString(),
-                 const QStringList& defined = {QStringLiteral("PQRST002")})
+                 const QStringList& defined = {u"PQRST002"_s})
 {
-    return mappingObject(QStringLiteral("<SRCTBL>") + sourceTables +
-                             QStringLiteral("</SRCTBL><PREC TEXT=\"\">") + precondition +
-                             QStringLiteral("</PREC>"),
+    return klmnoDocument(u"<SRCTBL>"_s + sourceTables +
+                             u"</SRCTBL><PREC TEXT=\"\">"_s + precondition +
+                             u"</PREC>"_s,
                          defined);
 }
 
@@ -51,20 +51,20 @@ void SourceTablesTest::loadedIntoEmptyList_data()
     QTest::addColumn<QStringList>("rows");
     QTest::addColumn<QString>("sourceTables");
 
-    QTest::newRow("two tables") << QStringLiteral("pqrst002,uvwxy003")
-                                << QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003")}
-                                << QStringLiteral("pqrst002,uvwxy003");
+    QTest::newRow("two tables") << u"pqrst002,uvwxy003"_s
+                                << QStringList{u"pqrst002"_s, u"uvwxy003"_s}
+                                << u"pqrst002,uvwxy003"_s;
     QTest::newRow("empty piece gets its row")
-        << QStringLiteral("A,,B") << QStringList{QStringLiteral("A"), QString(), QStringLiteral("B")}
-        << QStringLiteral("A,,B");
+        << u"A,,B"_s << QStringList{u"A"_s, QString(), u"B"_s}
+        << u"A,,B"_s;
     QTest::newRow("line break inside the first piece")
-        << QStringLiteral("KLMNO001&#13;\n,PQRST002")
-        << QStringList{QStringLiteral("KLMNO001"), QStringLiteral("PQRST002")}
-        << QStringLiteral("KLMNO001,PQRST002");
+        << u"KLMNO001&#13;\n,PQRST002"_s
+        << QStringList{u"KLMNO001"_s, u"PQRST002"_s}
+        << u"KLMNO001,PQRST002"_s;
     QTest::newRow("names keep their case")
-        << QStringLiteral("Pqrst002,UVWXY003")
-        << QStringList{QStringLiteral("Pqrst002"), QStringLiteral("UVWXY003")}
-        << QStringLiteral("Pqrst002,UVWXY003");
+        << u"Pqrst002,UVWXY003"_s
+        << QStringList{u"Pqrst002"_s, u"UVWXY003"_s}
+        << u"Pqrst002,UVWXY003"_s;
     QTest::newRow("empty text gives no row") << QString() << QStringList() << QString();
 }
 
@@ -75,14 +75,14 @@ void SourceTablesTest::loadedIntoEmptyList()
     QFETCH(QString, sourceTables);
 
     Host host;
-    QVERIFY(host.show(document(srctbl), true));
-    QAbstractItemView* list = host.view(QStringLiteral("lstSourceTables"));
+    QVERIFY(host.open(u"klmno001"_s, document(srctbl), true));
+    QAbstractItemView* list = host.view(u"lstSourceTables"_s);
     QVERIFY(list);
     QCOMPARE(list->model()->columnCount(), 1);
-    QCOMPARE(list->model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("Source Tables"));
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), rows);
-    QCOMPARE(host.control->property("SourceTables").toString(), sourceTables);
-    QCOMPARE(lf(host.read().child(QStringLiteral("SRCTBL")).text), sourceTables);
+    QCOMPARE(list->model()->headerData(0, Qt::Horizontal).toString(), u"Source Tables"_s);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), rows);
+    QCOMPARE(host.ctl->property("SourceTables").toString(), sourceTables);
+    QCOMPARE(host.document().child(u"SRCTBL"_s).text, sourceTables);
 }
 
 // The host's answer merges into a list that has rows: new names are
@@ -95,31 +95,31 @@ void SourceTablesTest::assignedIntoFilledList_data()
     QTest::addColumn<QString>("sourceTables");
 
     QTest::newRow("empty piece not merged")
-        << QStringLiteral("A") << QStringLiteral("A,,B")
-        << QStringList{QStringLiteral("A"), QStringLiteral("B")} << QStringLiteral("A,B");
+        << u"A"_s << u"A,,B"_s
+        << QStringList{u"A"_s, u"B"_s} << u"A,B"_s;
     QTest::newRow("line break removed before comparing")
-        << QStringLiteral("KLMNO001") << QStringLiteral("KLMNO001\r\n,PQRST002")
-        << QStringList{QStringLiteral("KLMNO001"), QStringLiteral("PQRST002")}
-        << QStringLiteral("KLMNO001,PQRST002");
+        << u"KLMNO001"_s << u"KLMNO001\r\n,PQRST002"_s
+        << QStringList{u"KLMNO001"_s, u"PQRST002"_s}
+        << u"KLMNO001,PQRST002"_s;
     QTest::newRow("rows never removed, order kept")
-        << QStringLiteral("A,B") << QStringLiteral("C,A")
-        << QStringList{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}
-        << QStringLiteral("A,B,C");
+        << u"A,B"_s << u"C,A"_s
+        << QStringList{u"A"_s, u"B"_s, u"C"_s}
+        << u"A,B,C"_s;
     QTest::newRow("empty assignment keeps the rows")
-        << QStringLiteral("A,B") << QString() << QStringList{QStringLiteral("A"), QStringLiteral("B")}
-        << QStringLiteral("A,B");
+        << u"A,B"_s << QString() << QStringList{u"A"_s, u"B"_s}
+        << u"A,B"_s;
     QTest::newRow("names compared case-sensitively")
-        << QStringLiteral("A") << QStringLiteral("a") << QStringList{QStringLiteral("A"), QStringLiteral("a")}
-        << QStringLiteral("A,a");
+        << u"A"_s << u"a"_s << QStringList{u"A"_s, u"a"_s}
+        << u"A,a"_s;
     QTest::newRow("blanks kept inside a merged name")
-        << QStringLiteral("A") << QStringLiteral("A, B")
-        << QStringList{QStringLiteral("A"), QStringLiteral(" B")} << QStringLiteral("A, B");
+        << u"A"_s << u"A, B"_s
+        << QStringList{u"A"_s, u" B"_s} << u"A, B"_s;
     QTest::newRow("a name repeated in the answer merged once")
-        << QStringLiteral("A") << QStringLiteral("B,B")
-        << QStringList{QStringLiteral("A"), QStringLiteral("B")} << QStringLiteral("A,B");
+        << u"A"_s << u"B,B"_s
+        << QStringList{u"A"_s, u"B"_s} << u"A,B"_s;
     QTest::newRow("blank piece not merged")
-        << QStringLiteral("A") << QStringLiteral(" ,B")
-        << QStringList{QStringLiteral("A"), QStringLiteral("B")} << QStringLiteral("A,B");
+        << u"A"_s << u" ,B"_s
+        << QStringList{u"A"_s, u"B"_s} << u"A,B"_s;
 }
 
 void SourceTablesTest::assignedIntoFilledList()
@@ -130,11 +130,11 @@ void SourceTablesTest::assignedIntoFilledList()
     QFETCH(QString, sourceTables);
 
     Host host;
-    QVERIFY(host.show(document(loaded), true));
-    host.control->setProperty("SourceTables", assigned);
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), rows);
-    QCOMPARE(host.control->property("SourceTables").toString(), sourceTables);
-    QCOMPARE(lf(host.read().child(QStringLiteral("SRCTBL")).text), sourceTables);
+    QVERIFY(host.open(u"klmno001"_s, document(loaded), true));
+    host.ctl->setProperty("SourceTables", assigned);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), rows);
+    QCOMPARE(host.ctl->property("SourceTables").toString(), sourceTables);
+    QCOMPARE(host.document().child(u"SRCTBL"_s).text, sourceTables);
 }
 
 // After the only row has been deleted the list is empty, so the next answer
@@ -144,32 +144,32 @@ void SourceTablesTest::assignedIntoFilledList()
 void SourceTablesTest::assignedAfterTheOnlyRowWasDeleted()
 {
     Host host;
-    QVERIFY(host.show(document(QStringLiteral("pqrst002")), true));
-    host.clickRow(QStringLiteral("lstSourceTables"), 0);
-    QTest::keyClick(host.view(QStringLiteral("lstSourceTables")), Qt::Key_Delete);
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), QStringList());
-    QCOMPARE(host.control->property("SourceTables").toString(), QString());
+    QVERIFY(host.open(u"klmno001"_s, document(u"pqrst002"_s), true));
+    host.clickRow(u"lstSourceTables"_s, 0);
+    QTest::keyClick(host.view(u"lstSourceTables"_s), Qt::Key_Delete);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), QStringList());
+    QCOMPARE(host.ctl->property("SourceTables").toString(), QString());
 
-    host.control->setProperty("SourceTables", QStringLiteral(",B,,C"));
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")),
-             (QStringList{QString(), QStringLiteral("B"), QString(), QStringLiteral("C")}));
-    QCOMPARE(host.control->property("SourceTables").toString(), QStringLiteral("B,,C"));
+    host.ctl->setProperty("SourceTables", u",B,,C"_s);
+    QCOMPARE(host.rows(u"lstSourceTables"_s),
+             (QStringList{QString(), u"B"_s, QString(), u"C"_s}));
+    QCOMPARE(host.ctl->property("SourceTables").toString(), u"B,,C"_s);
 }
 
 void SourceTablesTest::assignCreatesTheMissingSection()
 {
     Host host;
-    QVERIFY(host.show(mappingObject(QStringLiteral("<PREC TEXT=\"\"></PREC>"), {QStringLiteral("PQRST002")}),
+    QVERIFY(host.open(u"klmno001"_s, klmnoDocument(u"<PREC TEXT=\"\"></PREC>"_s, {u"PQRST002"_s}),
                       true));
-    QCOMPARE(host.control->property("SourceTables").toString(), QString());
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), QStringList());
+    QCOMPARE(host.ctl->property("SourceTables").toString(), QString());
+    QCOMPARE(host.rows(u"lstSourceTables"_s), QStringList());
 
-    host.control->setProperty("SourceTables", QStringLiteral("pqrst002,uvwxy003"));
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")),
-             (QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003")}));
-    const XmlElement root = host.read();
-    QCOMPARE(root.all(QStringLiteral("SRCTBL")).size(), 1);
-    QCOMPARE(root.child(QStringLiteral("SRCTBL")).text, QStringLiteral("pqrst002,uvwxy003"));
+    host.ctl->setProperty("SourceTables", u"pqrst002,uvwxy003"_s);
+    QCOMPARE(host.rows(u"lstSourceTables"_s),
+             (QStringList{u"pqrst002"_s, u"uvwxy003"_s}));
+    const XmlElement root = host.document();
+    QCOMPARE(root.all(u"SRCTBL"_s).size(), 1);
+    QCOMPARE(root.child(u"SRCTBL"_s).text, u"pqrst002,uvwxy003"_s);
 }
 
 // The Delete key on a selected row removes it and stores the remaining rows;
@@ -183,26 +183,26 @@ void SourceTablesTest::deleteKey_data()
     QTest::addColumn<QStringList>("rows");
     QTest::addColumn<QString>("sourceTables");
 
-    const QStringList all{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003"), QStringLiteral("abcde004")};
-    const QString allText = QStringLiteral("pqrst002,uvwxy003,abcde004");
+    const QStringList all{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s};
+    const QString allText = u"pqrst002,uvwxy003,abcde004"_s;
     const int none = Qt::NoModifier;
-    const QStringList withoutMiddle{QStringLiteral("pqrst002"), QStringLiteral("abcde004")};
+    const QStringList withoutMiddle{u"pqrst002"_s, u"abcde004"_s};
     QTest::newRow("edit mode, middle row")
         << true << 1 << int(Qt::Key_Delete) << none
-        << QStringList{QStringLiteral("pqrst002"), QStringLiteral("abcde004")}
-        << QStringLiteral("pqrst002,abcde004");
+        << QStringList{u"pqrst002"_s, u"abcde004"_s}
+        << u"pqrst002,abcde004"_s;
     QTest::newRow("edit mode, last row")
         << true << 2 << int(Qt::Key_Delete) << none
-        << QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003")}
-        << QStringLiteral("pqrst002,uvwxy003");
+        << QStringList{u"pqrst002"_s, u"uvwxy003"_s}
+        << u"pqrst002,uvwxy003"_s;
     // The key code alone decides, whatever the shift state: the Delete key of
     // the keypad and Delete with Shift or Ctrl held are the Delete key too.
     QTest::newRow("Delete of the keypad") << true << 1 << int(Qt::Key_Delete) << int(Qt::KeypadModifier)
-                                          << withoutMiddle << QStringLiteral("pqrst002,abcde004");
+                                          << withoutMiddle << u"pqrst002,abcde004"_s;
     QTest::newRow("Shift+Delete") << true << 1 << int(Qt::Key_Delete) << int(Qt::ShiftModifier)
-                                  << withoutMiddle << QStringLiteral("pqrst002,abcde004");
+                                  << withoutMiddle << u"pqrst002,abcde004"_s;
     QTest::newRow("Ctrl+Delete") << true << 1 << int(Qt::Key_Delete) << int(Qt::ControlModifier)
-                                 << withoutMiddle << QStringLiteral("pqrst002,abcde004");
+                                 << withoutMiddle << u"pqrst002,abcde004"_s;
     QTest::newRow("read-only mode removes nothing")
         << false << 1 << int(Qt::Key_Delete) << none << all << allText;
     QTest::newRow("no row selected") << true << -1 << int(Qt::Key_Delete) << none << all << allText;
@@ -219,16 +219,16 @@ void SourceTablesTest::deleteKey()
     QFETCH(QString, sourceTables);
 
     Host host;
-    QVERIFY(host.show(document(QStringLiteral("pqrst002,uvwxy003,abcde004")), edit));
+    QVERIFY(host.open(u"klmno001"_s, document(u"pqrst002,uvwxy003,abcde004"_s), edit));
     if (rowClicked >= 0)
-        host.clickRow(QStringLiteral("lstSourceTables"), rowClicked);
+        host.clickRow(u"lstSourceTables"_s, rowClicked);
     else
-        host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QVERIFY(host.focusIn(QStringLiteral("lstSourceTables")));
+        host.clickBelowRows(u"lstSourceTables"_s);
+    QVERIFY(host.focusIn(u"lstSourceTables"_s));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
 
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), rows);
-    QCOMPARE(host.read().child(QStringLiteral("SRCTBL")).text, sourceTables);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), rows);
+    QCOMPARE(host.document().child(u"SRCTBL"_s).text, sourceTables);
 }
 
 // "Select..." hands the SRCTBL text to the host's picker; the host answers by
@@ -240,10 +240,10 @@ void SourceTablesTest::selectButtonAsksTheHost_data()
     QTest::addColumn<QStringList>("rows");
 
     QTest::newRow("edit mode") << true << 1
-                               << QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003"),
-                                              QStringLiteral("abcde004")};
+                               << QStringList{u"pqrst002"_s, u"uvwxy003"_s,
+                                              u"abcde004"_s};
     QTest::newRow("read-only mode: the button is disabled")
-        << false << 0 << QStringList{QStringLiteral("pqrst002"), QStringLiteral("uvwxy003")};
+        << false << 0 << QStringList{u"pqrst002"_s, u"uvwxy003"_s};
 }
 
 void SourceTablesTest::selectButtonAsksTheHost()
@@ -253,20 +253,20 @@ void SourceTablesTest::selectButtonAsksTheHost()
     QFETCH(QStringList, rows);
 
     Host host;
-    QVERIFY(host.show(document(QStringLiteral("pqrst002,uvwxy003")), edit));
-    QSignalSpy spy(host.control.get(), SIGNAL(ShowSourceTablesPopUp(QString)));
+    QVERIFY(host.open(u"klmno001"_s, document(u"pqrst002,uvwxy003"_s), edit));
+    QSignalSpy spy(host.ctl, SIGNAL(ShowSourceTablesPopUp(QString)));
     QVERIFY(spy.isValid());
     // The host's picker answers at once with three tables.
-    ctlFieldbridge* control = host.control.get();
+    ctlFieldbridge* control = host.ctl;
     QObject::connect(control, &ctlFieldbridge::ShowSourceTablesPopUp, control, [control](const QString&) {
-        control->setProperty("SourceTables", QStringLiteral("pqrst002,uvwxy003,abcde004"));
+        control->setProperty("SourceTables", u"pqrst002,uvwxy003,abcde004"_s);
     });
 
-    host.click(QStringLiteral("CmdSelectSource"));
+    host.click(u"CmdSelectSource"_s);
     QCOMPARE(spy.count(), raised);
-    if (raised) QCOMPARE(spy.first().first().toString(), QStringLiteral("pqrst002,uvwxy003"));
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), rows);
-    QCOMPARE(host.read().child(QStringLiteral("SRCTBL")).text, rows.join(u','));
+    if (raised) QCOMPARE(spy.first().first().toString(), u"pqrst002,uvwxy003"_s);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), rows);
+    QCOMPARE(host.document().child(u"SRCTBL"_s).text, rows.join(u','));
 }
 
 // Storing the precondition (the focus leaving its box) adds the FIRST migrate
@@ -282,44 +282,44 @@ void SourceTablesTest::migrateTablesReconciled_data()
     QTest::addColumn<QList<bool>>("enabledAfterStore");
     QTest::addColumn<QStringList>("migrateRows");
 
-    const QStringList klmRows{QStringLiteral("migrate KLMNO001"), QString()};
+    const QStringList klmRows{u"migrate KLMNO001"_s, QString()};
     QTest::newRow("listed and defined")
-        << QStringLiteral("pqrst002,KLMNO001")
-        << QStringList{QStringLiteral("PQRST002"), QStringLiteral("KLMNO001")}
-        << QStringLiteral("migrate KLMNO001") << QStringList{QStringLiteral("pqrst002,KLMNO001")}
+        << u"pqrst002,KLMNO001"_s
+        << QStringList{u"PQRST002"_s, u"KLMNO001"_s}
+        << u"migrate KLMNO001"_s << QStringList{u"pqrst002,KLMNO001"_s}
         << QList<bool>{true} << klmRows;
     QTest::newRow("missing and defined: enabled from the next store")
-        << QStringLiteral("pqrst002") << QStringList{QStringLiteral("PQRST002"), QStringLiteral("KLMNO001")}
-        << QStringLiteral("migrate KLMNO001")
-        << QStringList{QStringLiteral("pqrst002,KLMNO001"), QStringLiteral("pqrst002,KLMNO001")}
+        << u"pqrst002"_s << QStringList{u"PQRST002"_s, u"KLMNO001"_s}
+        << u"migrate KLMNO001"_s
+        << QStringList{u"pqrst002,KLMNO001"_s, u"pqrst002,KLMNO001"_s}
         << QList<bool>{false, true} << klmRows;
     QTest::newRow("missing and not defined")
-        << QStringLiteral("pqrst002") << QStringList{QStringLiteral("PQRST002")}
-        << QStringLiteral("migrate KLMNO001")
-        << QStringList{QStringLiteral("pqrst002,KLMNO001"), QStringLiteral("pqrst002,KLMNO001")}
+        << u"pqrst002"_s << QStringList{u"PQRST002"_s}
+        << u"migrate KLMNO001"_s
+        << QStringList{u"pqrst002,KLMNO001"_s, u"pqrst002,KLMNO001"_s}
         << QList<bool>{false, false} << klmRows;
     QTest::newRow("empty source list takes the name alone")
-        << QString() << QStringList{QStringLiteral("KLMNO001")} << QStringLiteral("migrate KLMNO001")
-        << QStringList{QStringLiteral("KLMNO001"), QStringLiteral("KLMNO001")} << QList<bool>{false, true}
+        << QString() << QStringList{u"KLMNO001"_s} << u"migrate KLMNO001"_s
+        << QStringList{u"KLMNO001"_s, u"KLMNO001"_s} << QList<bool>{false, true}
         << klmRows;
     QTest::newRow("two missing tables, one per store")
-        << QStringLiteral("abcde004")
-        << QStringList{QStringLiteral("ABCDE004"), QStringLiteral("KLMNO001"), QStringLiteral("PQRST002")}
-        << QStringLiteral("migrate KLMNO001\nmigrate PQRST002")
-        << QStringList{QStringLiteral("abcde004,KLMNO001"), QStringLiteral("abcde004,KLMNO001,PQRST002"),
-                       QStringLiteral("abcde004,KLMNO001,PQRST002")}
+        << u"abcde004"_s
+        << QStringList{u"ABCDE004"_s, u"KLMNO001"_s, u"PQRST002"_s}
+        << u"migrate KLMNO001\nmigrate PQRST002"_s
+        << QStringList{u"abcde004,KLMNO001"_s, u"abcde004,KLMNO001,PQRST002"_s,
+                       u"abcde004,KLMNO001,PQRST002"_s}
         << QList<bool>{false, false, true}
-        << QStringList{QStringLiteral("migrate KLMNO001"), QString(), QStringLiteral("migrate PQRST002"),
+        << QStringList{u"migrate KLMNO001"_s, QString(), u"migrate PQRST002"_s,
                        QString()};
     QTest::newRow("source names compared case-sensitively")
-        << QStringLiteral("klmno001") << QStringList{QStringLiteral("KLMNO001")}
-        << QStringLiteral("migrate KLMNO001")
-        << QStringList{QStringLiteral("klmno001,KLMNO001"), QStringLiteral("klmno001,KLMNO001")}
+        << u"klmno001"_s << QStringList{u"KLMNO001"_s}
+        << u"migrate KLMNO001"_s
+        << QStringList{u"klmno001,KLMNO001"_s, u"klmno001,KLMNO001"_s}
         << QList<bool>{false, true} << klmRows;
     QTest::newRow("definitions looked up in upper case")
-        << QStringLiteral("klmno001") << QStringList{QStringLiteral("KLMNO001")}
-        << QStringLiteral("migrate klmno001") << QStringList{QStringLiteral("klmno001")} << QList<bool>{true}
-        << QStringList{QStringLiteral("migrate klmno001"), QString()};
+        << u"klmno001"_s << QStringList{u"KLMNO001"_s}
+        << u"migrate klmno001"_s << QStringList{u"klmno001"_s} << QList<bool>{true}
+        << QStringList{u"migrate klmno001"_s, QString()};
 }
 
 void SourceTablesTest::migrateTablesReconciled()
@@ -332,26 +332,25 @@ void SourceTablesTest::migrateTablesReconciled()
     QFETCH(QStringList, migrateRows);
 
     Host host;
-    BoxAnswerer boxes;
-    QVERIFY(host.show(document(srctbl, QString(), defined), true));
-    host.replaceText(QStringLiteral("txtPreCondition"), typed);
-    QCOMPARE(host.text(QStringLiteral("txtPreCondition")), typed);
+    QVERIFY(host.open(u"klmno001"_s, document(srctbl, QString(), defined), true));
+    host.replaceText(u"txtPreCondition"_s, typed);
+    QCOMPARE(host.text(u"txtPreCondition"_s), typed);
 
     for (int store = 0; store < textAfterStore.size(); ++store) {
-        if (store > 0) host.clickInto(QStringLiteral("txtPreCondition"));
-        QVERIFY(host.focusIn(QStringLiteral("txtPreCondition")));
-        host.clickEmptyPartOf(QStringLiteral("lstSourceTables")); // the focus leaves the box
-        QVERIFY(host.focusIn(QStringLiteral("lstSourceTables")));
-        QCOMPARE(host.control->property("SourceTables").toString(), textAfterStore[store]);
+        if (store > 0) host.clickInto(u"txtPreCondition"_s);
+        QVERIFY(host.focusIn(u"txtPreCondition"_s));
+        host.clickBelowRows(u"lstSourceTables"_s); // the focus leaves the box
+        QVERIFY(host.focusIn(u"lstSourceTables"_s));
+        QCOMPARE(host.ctl->property("SourceTables").toString(), textAfterStore[store]);
         QCOMPARE(host.tabs()->isTabEnabled(1), enabledAfterStore[store]);
     }
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), migrateRows);
-    QCOMPARE(host.rows(QStringLiteral("lstSourceTables")), textAfterStore.last().split(u','));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), migrateRows);
+    QCOMPARE(host.rows(u"lstSourceTables"_s), textAfterStore.last().split(u','));
 
-    const XmlElement root = host.read();
-    QCOMPARE(lf(root.child(QStringLiteral("PREC")).text), typed);
-    QCOMPARE(root.child(QStringLiteral("SRCTBL")).text, textAfterStore.last());
-    QVERIFY2(boxes.seen().isEmpty(), qPrintable(boxes.texts().join(u'|')));
+    const XmlElement root = host.document();
+    QCOMPARE(root.child(u"PREC"_s).text, typed);
+    QCOMPARE(root.child(u"SRCTBL"_s).text, textAfterStore.last());
+    QVERIFY2(host.modals.count() == 0, qPrintable(host.modals.describe()));
 }
 
 // A precondition without "migrate" empties the main query and leaves the
@@ -361,8 +360,8 @@ void SourceTablesTest::noMigrateStatementKeepsTheTabState_data()
     QTest::addColumn<QStringList>("defined");
     QTest::addColumn<bool>("enabled");
 
-    QTest::newRow("enabled stays enabled") << QStringList{QStringLiteral("PQRST002")} << true;
-    QTest::newRow("disabled stays disabled") << QStringList{QStringLiteral("ABCDE004")} << false;
+    QTest::newRow("enabled stays enabled") << QStringList{u"PQRST002"_s} << true;
+    QTest::newRow("disabled stays disabled") << QStringList{u"ABCDE004"_s} << false;
 }
 
 void SourceTablesTest::noMigrateStatementKeepsTheTabState()
@@ -371,21 +370,21 @@ void SourceTablesTest::noMigrateStatementKeepsTheTabState()
     QFETCH(bool, enabled);
 
     Host host;
-    QVERIFY(host.show(
-        mappingObject(QStringLiteral("<SRCTBL>pqrst002</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
-                                     "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"),
+    QVERIFY(host.open(u"klmno001"_s, 
+        klmnoDocument(u"<SRCTBL>pqrst002</SRCTBL><PREC TEXT=\"\">migrate pqrst002</PREC>"
+                                     "<QUERY ST=\"pqrst002\" TEXT=\"\">select 1</QUERY>"_s,
                       defined),
         true));
     QCOMPARE(host.tabs()->isTabEnabled(1), enabled);
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QStringLiteral("select 1"));
+    QCOMPARE(host.text(u"txtMainQuery"_s), u"select 1"_s);
 
-    host.replaceText(QStringLiteral("txtPreCondition"), QStringLiteral("x = 1"));
-    host.clickEmptyPartOf(QStringLiteral("lstSourceTables"));
-    QCOMPARE(host.text(QStringLiteral("txtMainQuery")), QString());
-    QVERIFY(host.readOnly(QStringLiteral("txtMainQuery")));
-    QCOMPARE(host.rows(QStringLiteral("lstMigrateSource")), QStringList());
+    host.replaceText(u"txtPreCondition"_s, u"x = 1"_s);
+    host.clickBelowRows(u"lstSourceTables"_s);
+    QCOMPARE(host.text(u"txtMainQuery"_s), QString());
+    QVERIFY(host.readOnly(u"txtMainQuery"_s));
+    QCOMPARE(host.rows(u"lstMigrateSource"_s), QStringList());
     QCOMPARE(host.tabs()->isTabEnabled(1), enabled);
-    QCOMPARE(host.control->property("SourceTables").toString(), QStringLiteral("pqrst002"));
+    QCOMPARE(host.ctl->property("SourceTables").toString(), u"pqrst002"_s);
 }
 
 QTEST_MAIN(SourceTablesTest)
