@@ -15,6 +15,8 @@
 #include <QTabBar>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace fbtest {
 
 // ---------------------------------------------------------------------------
@@ -61,24 +63,22 @@ QString crlf(const QString& text)
 
 bool XmlElement::hasAttribute(const QString& a) const
 {
-    for (const auto& p : attributes)
-        if (p.first == a)
-            return true;
-    return false;
+    return std::any_of(attributes.begin(), attributes.end(), [&a](const auto& p) { return p.first == a; });
 }
 
 QString XmlElement::attribute(const QString& a) const
 {
-    for (const auto& p : attributes)
-        if (p.first == a)
-            return p.second;
+    for (const auto& [key, value] : attributes)
+        if (key == a)
+            return value;
     return {};
 }
 
 XmlElement XmlElement::child(const QString& childName, const QString& a, const QString& value) const
 {
-    for (const XmlElement& c : children)
-        if (c.name == childName && (a.isEmpty() || c.attribute(a) == value))
+    const QList<XmlElement> found = all(childName);
+    for (const XmlElement& c : found)
+        if (a.isEmpty() || c.attribute(a) == value)
             return c;
     return {};
 }
@@ -86,9 +86,8 @@ XmlElement XmlElement::child(const QString& childName, const QString& a, const Q
 QList<XmlElement> XmlElement::all(const QString& childName) const
 {
     QList<XmlElement> out;
-    for (const XmlElement& c : children)
-        if (c.name == childName)
-            out.append(c);
+    std::copy_if(children.begin(), children.end(), std::back_inserter(out),
+                 [&childName](const XmlElement& c) { return c.name == childName; });
     return out;
 }
 
@@ -170,7 +169,7 @@ QString ModalAnswerer::describe() const
     QStringList lines;
     for (const ModalRecord& r : m_records)
         lines.append(u"%1 '%2': %3"_s.arg(r.className, r.title, r.text));
-    return lines.join(u"; "_s);
+    return lines.join(u"; "_s) + (m_unexpected.isEmpty() ? QString() : u"; unexpected: "_s + m_unexpected.join(u", "_s));
 }
 
 void ModalAnswerer::clear()

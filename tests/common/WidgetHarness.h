@@ -224,6 +224,25 @@ public:
     ModalAnswerer modals;
 };
 
+// A test class whose every test function gets a fresh host; a box nobody
+// expected, or an expected one that never came, fails the test.
+class HostTest : public QObject {
+    Q_OBJECT
+
+protected:
+    std::unique_ptr<Host> host;
+
+protected Q_SLOTS:
+    void initTestCase() { installMessageFilter(); }
+    void init() { host = std::make_unique<Host>(); }
+    void cleanup()
+    {
+        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
+        QCOMPARE(host->modals.pending(), 0);
+        host.reset();
+    }
+};
+
 // ---------------------------------------------------------------------------
 // Mapping objects
 

@@ -10,10 +10,8 @@
 
 using namespace fbtest;
 
-class RulesGridTest : public QObject {
+class RulesGridTest : public HostTest {
     Q_OBJECT
-
-    std::unique_ptr<Host> host;
 
     bool showRules(bool edit = true)
     {
@@ -41,25 +39,6 @@ class RulesGridTest : public QObject {
     QString overlayText() const { return plainText(host->overlay()); }
 
 private Q_SLOTS:
-    void initTestCase() { installMessageFilter(); }
-    void init() { host = std::make_unique<Host>(); }
-    void cleanup()
-    {
-        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
-        host.reset();
-    }
-
-    void oneRowPerTargetField()
-    {
-        QVERIFY(showRules());
-        QCOMPARE(host->grid()->model()->columnCount(), 2);
-        QCOMPARE(rows(host->grid(), 0),
-                 (QStringList{u"rules001.custno"_s, u"rules001.name"_s, u"rules001.city"_s, u"rules001.born"_s,
-                              u"rules001.stamp"_s, u"rules001.note(1)"_s, u"rules001.note(2)"_s, u"rules001.remark"_s,
-                              u"rules001.lang"_s, u"rules001.zip"_s}));
-        QVERIFY(!host->overlay()->isVisible());
-    }
-
     void startingAnEdit_data()
     {
         QTest::addColumn<int>("column");
@@ -69,14 +48,11 @@ private Q_SLOTS:
         const QString rule = u"srcbb002.city"_s;
         QTest::newRow("a letter typed over the rule starts a new rule with it") << 1 << u"key q"_s << u"q"_s;
         QTest::newRow("a letter typed over the field name starts the rule") << 0 << u"key q"_s << u"q"_s;
-        QTest::newRow("a digit typed over the rule") << 1 << u"key 7"_s << u"7"_s;
         QTest::newRow("Enter opens the rule unchanged") << 1 << u"enter"_s << rule;
         QTest::newRow("Enter on the field name opens the rule") << 0 << u"enter"_s << rule;
         QTest::newRow("Space opens the rule unchanged") << 1 << u"space"_s << rule;
-        QTest::newRow("Escape opens the rule unchanged") << 1 << u"escape"_s << rule;
         QTest::newRow("Backspace opens the rule unchanged") << 1 << u"backspace"_s << rule;
         QTest::newRow("double click opens the rule unchanged") << 1 << u"double click"_s << rule;
-        QTest::newRow("double click on the field name opens the rule") << 0 << u"double click"_s << rule;
     }
     void startingAnEdit()
     {
@@ -90,8 +66,8 @@ private Q_SLOTS:
         } else {
             clickCell(grid, 2, column);
             QCOMPARE(gridColumn(), column);
-            const QMap<QString, Qt::Key> keys{{u"enter"_s, Qt::Key_Return}, {u"space"_s, Qt::Key_Space},
-                                             {u"escape"_s, Qt::Key_Escape}, {u"backspace"_s, Qt::Key_Backspace}};
+            const QMap<QString, Qt::Key> keys{
+                {u"enter"_s, Qt::Key_Return}, {u"space"_s, Qt::Key_Space}, {u"backspace"_s, Qt::Key_Backspace}};
             if (keys.contains(action))
                 QTest::keyClick(grid, keys.value(action));
             else
@@ -105,16 +81,6 @@ private Q_SLOTS:
         // Nothing is written before the edit is committed.
         QCOMPARE(host->rule(2), u"srcbb002.city"_s);
         QCOMPARE(cell(grid, 2, 0), u"rules001.city"_s);
-    }
-
-    void editStartedOnTheFieldNameWritesTheRule()
-    {
-        QVERIFY(showRules());
-        typeOver(1, 0, u"abc"_s);
-        clickCell(host->grid(), 5, 1);
-        QVERIFY(!host->overlay()->isVisible());
-        QCOMPARE(cell(host->grid(), 1, 0), u"rules001.name"_s);
-        QCOMPARE(host->rule(1), u"abc"_s);
     }
 
     // Leaving an edited cell writes the rule element into the dump at once.
@@ -155,7 +121,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("typed");
         QTest::newRow("typed over a rule") << 2 << u"z"_s << u"zz"_s;
         QTest::newRow("added to a rule opened with Enter") << 2 << u"enter"_s << u" + 1"_s;
-        QTest::newRow("typed over an empty cell") << 4 << u"z"_s << u"zz"_s;
     }
     void escapeLeavesTheCellAsItWas()
     {
@@ -202,6 +167,13 @@ private Q_SLOTS:
         QCOMPARE(host->rule(7), u"if srcaa001.memo then\r\nreturn 1"_s);
         openRule(7);
         QCOMPARE(overlayText(), u"if srcaa001.memo then\nreturn 1"_s);
+        // A rule that loses its line break is stored with TYPE "0" again.
+        QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(host->overlay(), u"one line"_s);
+        clickCell(host->grid(), 0, 1);
+        const XmlElement oneLine = host->document().dump(1).child(u"REMARK"_s);
+        QCOMPARE(oneLine.text, u"one line"_s);
+        QCOMPARE(oneLine.attribute(u"TYPE"_s), u"0"_s);
     }
 
     // A rule's text is decoded once more when it is shown: the characters
@@ -223,21 +195,6 @@ private Q_SLOTS:
         QCOMPARE(host->rule(2), u"x < y & z"_s);
     }
 
-    // A rule that loses its line break is stored with TYPE "0" again.
-    void ruleBackOnOneLine()
-    {
-        QVERIFY(showRules());
-        host->chooseDump(2);
-        openRule(7);
-        QCOMPARE(overlayText(), u"line one\nline two"_s);
-        QTest::keyClick(host->overlay(), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(host->overlay(), u"one line"_s);
-        clickCell(host->grid(), 0, 1);
-        const XmlElement remark = host->document().dump(2).child(u"REMARK"_s);
-        QCOMPARE(remark.text, u"one line"_s);
-        QCOMPARE(remark.attribute(u"TYPE"_s), u"0"_s);
-    }
-
     void clearingARuleRemovesItsElement()
     {
         QVERIFY(showRules());
@@ -257,7 +214,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("after");
         QTest::newRow("a middle row") << 4 << 5;
-        QTest::newRow("the first row") << 0 << 1;
         QTest::newRow("the last row stays current") << 9 << 9;
     }
     void committingMovesToTheRowBelow()
@@ -317,7 +273,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("column");
         QTest::addColumn<int>("after");
-        QTest::newRow("to the row below") << 3 << 1 << 4;
         QTest::newRow("from the field name to the rule below") << 3 << 0 << 4;
         QTest::newRow("the last row stays") << 9 << 1 << 9;
     }
@@ -353,7 +308,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("row");
         QTest::newRow("first row") << 0;
-        QTest::newRow("middle row") << 4;
         QTest::newRow("last row") << 9;
     }
     void overlayCoversTheCell()
@@ -374,31 +328,35 @@ private Q_SLOTS:
         QCOMPARE(overlay->font().pointSizeF(), grid->font().pointSizeF());
     }
 
+    // The host's GridEdit opens the current rule for a key code up to 32
+    // and starts a new rule with the character of a higher one.
     void gridEditFromTheHost_data()
     {
         QTest::addColumn<int>("column");
         QTest::addColumn<int>("key");
-        QTest::newRow("code 32 on the rule") << 1 << 32;
-        QTest::newRow("code 13 on the rule") << 1 << 13;
-        QTest::newRow("code 0 on the rule") << 1 << 0;
-        QTest::newRow("code 32 on the field name") << 0 << 32;
+        QTest::addColumn<QString>("overlay");
+        QTest::newRow("code 13 on the rule") << 1 << 13 << u"srcaa001.zip"_s;
+        QTest::newRow("code 0 on the field name") << 0 << 0 << u"srcaa001.zip"_s;
+        QTest::newRow("code 113 starts a rule with q") << 1 << 113 << u"q"_s;
     }
     void gridEditFromTheHost()
     {
         QFETCH(int, column);
         QFETCH(int, key);
+        QFETCH(QString, overlay);
         QVERIFY(showRules());
         clickCell(host->grid(), 9, column);
         QVERIFY(QMetaObject::invokeMethod(host->ctl, "GridEdit", Q_ARG(short, short(key))));
         QVERIFY(host->overlay()->isVisible());
         QCOMPARE(QApplication::focusWidget(), host->overlay());
-        QCOMPARE(overlayText(), u"srcaa001.zip"_s);
+        QCOMPARE(overlayText(), overlay);
         QCOMPARE(gridRow(), 9);
         QCOMPARE(gridColumn(), 1);
         // The host's edit commits like a typed one.
+        QTest::keyClick(host->overlay(), Qt::Key_End);
         QTest::keyClicks(host->overlay(), u"_2"_s);
         clickCell(host->grid(), 0, 1);
-        QCOMPARE(host->rule(9), u"srcaa001.zip_2"_s);
+        QCOMPARE(host->rule(9), overlay + u"_2"_s);
         QCOMPARE(cell(host->grid(), 9, 0), u"rules001.zip"_s);
     }
 
@@ -407,14 +365,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("row");
         QTest::newRow("first row is 0") << u"rules001.custno"_s << 0;
-        QTest::newRow("qualified name") << u"rules001.city"_s << 2;
         QTest::newRow("array element") << u"rules001.note(2)"_s << 6;
         QTest::newRow("last row") << u"rules001.zip"_s << 9;
         QTest::newRow("field part alone") << u"city"_s << -1;
-        QTest::newRow("upper case") << u"RULES001.CITY"_s << -1;
         QTest::newRow("stored array form") << u"rules001.note__2"_s << -1;
         QTest::newRow("a prefix of a name") << u"rules001.cit"_s << -1;
-        QTest::newRow("a rule text") << u"srcbb002.city"_s << -1;
     }
     void getRowNumber()
     {
@@ -431,7 +386,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("column");
         QTest::addColumn<QString>("rule");
-        QTest::newRow("first row") << 0 << 1 << u"f(srcaa001.custno)"_s;
         QTest::newRow("a row without a rule") << 4 << 1 << u"utc.utc(srcbb002.stamp)"_s;
         QTest::newRow("field name current: the rule cell takes it") << 6 << 0 << u"g()"_s;
         QTest::newRow("last row, two lines") << 9 << 1 << u"a\r\nb"_s;
