@@ -112,6 +112,39 @@ void MappingObjectPage::setMainQueryEnlarged(bool enlarged)
     m_enlarged = enlarged;
 }
 
+QList<QWidget*> MappingObjectPage::PreconditionGroup() const
+{
+    return {txtPreCondition, CmdBuildPre, CmdPreDoc, CmdPreEditor, PicPreResize, CmdFunction, CmdVariables};
+}
+
+QList<QWidget*> MappingObjectPage::MainQueryGroup() const
+{
+    return {txtMainQuery, cmdBuildMQ, CmdMQDoc, CmdMqEditor, PicMQResize, CmdFunction, CmdVariables, lblMainQuery};
+}
+
+QList<QWidget*> MappingObjectPage::OkCancelGroup() const
+{
+    return {CmdOk, CmdCancel, CmdFuncEditor};
+}
+
+void MappingObjectPage::ShowArrangement(bool showScripts)
+{
+    for (QWidget* w : OkCancelGroup())
+        w->setVisible(!showScripts);
+    for (QWidget* w : MainQueryGroup())
+        w->setVisible(showScripts);
+    // The precondition group last: it shares the functions and variables
+    // buttons with the main-query group and hides them when enlarged.
+    for (QWidget* w : PreconditionGroup())
+        w->setVisible(showScripts && !m_enlarged);
+    lblMainQuery->setVisible(showScripts && !m_enlarged);
+    PicPreResize->setEnabled(!m_enlarged);
+    if (showScripts)
+        lblPreCondition->setText(m_enlarged ? QStringLiteral("Main Query") : QStringLiteral("PreCondition"));
+    SetResizeIcons(m_enlarged, false);
+    LayoutChildren();
+}
+
 void MappingObjectPage::PlaceScriptBoxes()
 {
     LayoutChildren();

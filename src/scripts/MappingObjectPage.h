@@ -26,6 +26,10 @@ public:
     bool mainQueryEnlarged() const { return m_enlarged; }
     void setMainQueryEnlarged(bool enlarged);
     void SetResizeIcons(bool mainQueryEnlarged, bool preconditionEnlarged);
+    // Shows the precondition and main query (as the enlarged flag arranges
+    // them) or, with showScripts false, the Ok/Cancel group of the functions
+    // and variables panel.
+    void ShowArrangement(bool showScripts);
     // Start-up placing of the functions/variables boxes and the bottom row.
     void PlaceScriptBoxes();
 
@@ -57,6 +61,10 @@ public:
     QPushButton* CmdFuncEditor;
 
 private:
+    QList<QWidget*> PreconditionGroup() const;
+    QList<QWidget*> MainQueryGroup() const;
+    QList<QWidget*> OkCancelGroup() const;
+
     bool m_enlarged = false;
 };
 

@@ -292,26 +292,7 @@ void QueryScripts::SwitchScriptView(bool showPrecondition, bool keepEdits)
         mo->txtVariables->hide();
         s.doc.SetVariablesText(keepEdits ? BoxText(mo->txtVariables) : s.doc.GetVariablesText());
     }
-    const QList<QWidget*> pre{mo->txtPreCondition, mo->CmdBuildPre, mo->CmdPreDoc, mo->CmdPreEditor,
-                              mo->PicPreResize, mo->CmdFunction, mo->CmdVariables};
-    const QList<QWidget*> mq{mo->txtMainQuery, mo->cmdBuildMQ, mo->CmdMQDoc, mo->CmdMqEditor,
-                             mo->PicMQResize, mo->CmdFunction, mo->CmdVariables, mo->lblMainQuery};
-    const QList<QWidget*> okCancel{mo->CmdOk, mo->CmdCancel, mo->CmdFuncEditor};
-    for (QWidget* w : pre + mq)
-        w->setVisible(showPrecondition);
-    for (QWidget* w : okCancel)
-        w->setVisible(!showPrecondition);
-    if (showPrecondition) {
-        mo->lblPreCondition->setText(QStringLiteral("PreCondition"));
-        if (mo->mainQueryEnlarged()) {
-            // The enlarged main query keeps the precondition's place.
-            for (QWidget* w : {static_cast<QWidget*>(mo->txtPreCondition), static_cast<QWidget*>(mo->CmdBuildPre),
-                               static_cast<QWidget*>(mo->CmdPreDoc), static_cast<QWidget*>(mo->CmdPreEditor),
-                               static_cast<QWidget*>(mo->PicPreResize)})
-                w->hide();
-            mo->lblPreCondition->setText(QStringLiteral("Main Query"));
-        }
-    }
+    mo->ShowArrangement(showPrecondition);
 }
 
 void QueryScripts::onFunction()
@@ -393,19 +374,8 @@ void QueryScripts::EditFunctionsOrVariablesExternally()
 
 void QueryScripts::ToggleMainQuerySize()
 {
-    MappingObjectPage* mo = s.mo;
-    const bool enlarge = !mo->mainQueryEnlarged();
-    mo->setMainQueryEnlarged(enlarge);
-    for (QWidget* w : {static_cast<QWidget*>(mo->txtPreCondition), static_cast<QWidget*>(mo->CmdBuildPre),
-                       static_cast<QWidget*>(mo->CmdPreDoc), static_cast<QWidget*>(mo->CmdPreEditor),
-                       static_cast<QWidget*>(mo->CmdFunction), static_cast<QWidget*>(mo->CmdVariables),
-                       static_cast<QWidget*>(mo->lblMainQuery)})
-        w->setVisible(!enlarge);
-    mo->PicPreResize->setVisible(!enlarge);
-    mo->PicPreResize->setEnabled(!enlarge);
-    mo->lblPreCondition->setText(enlarge ? QStringLiteral("Main Query") : QStringLiteral("PreCondition"));
-    mo->SetResizeIcons(enlarge, false);
-    mo->LayoutChildren();
+    s.mo->setMainQueryEnlarged(!s.mo->mainQueryEnlarged());
+    s.mo->ShowArrangement(true);
 }
 
 } // namespace fb
