@@ -8,10 +8,8 @@
 
 using namespace fbtest;
 
-class DumpCommandsTest : public QObject {
+class DumpCommandsTest : public HostTest {
     Q_OBJECT
-
-    std::unique_ptr<Host> host;
 
     // The multi-target sample on "Define Dumps": dumps 1 and 3 belong to
     // FGHIJ100, dump 2 to QWERT200; dump 4 is bound to FGHIJ100 on entry.
@@ -27,15 +25,6 @@ class DumpCommandsTest : public QObject {
     QString targetTableName() const { return host->find<QLabel>(u"LBLTargetTableName"_s)->text(); }
 
 private Q_SLOTS:
-    void initTestCase() { installMessageFilter(); }
-    void init() { host = std::make_unique<Host>(); }
-    void cleanup()
-    {
-        QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
-        QCOMPARE(host->modals.pending(), 0);
-        host.reset();
-    }
-
     // ---- copying ----------------------------------------------------------
 
     void copyRefusals_data()

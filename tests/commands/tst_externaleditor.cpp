@@ -19,10 +19,9 @@ QString readFile(const QString& path)
 }
 } // namespace
 
-class ExternalEditorTest : public QObject {
+class ExternalEditorTest : public HostTest {
     Q_OBJECT
 
-    std::unique_ptr<Host> host;
     QString editor;
 
     // The editor writes this text and ends with this code.
@@ -33,7 +32,6 @@ class ExternalEditorTest : public QObject {
     }
     void open(const QString& sample, const QString& editorPath)
     {
-        host = std::make_unique<Host>();
         host->ctl->setProperty("Editor", editorPath);
         QVERIFY(host->openSample(sample));
     }
@@ -41,7 +39,7 @@ class ExternalEditorTest : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        installMessageFilter();
+        HostTest::initTestCase();
         QVERIFY(QDir().mkpath(tempDir()));
         editor = tempDir() + u"fake-editor.sh"_s;
         QFile script(editor);
@@ -50,13 +48,6 @@ private Q_SLOTS:
         script.close();
         QVERIFY(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     }
-    void cleanup()
-    {
-        if (host)
-            QVERIFY2(host->modals.unexpected().isEmpty(), qPrintable(host->modals.describe()));
-        host.reset();
-    }
-
     void ruleRoundTrip_data()
     {
         QTest::addColumn<int>("exitCode");
@@ -143,7 +134,6 @@ private Q_SLOTS:
     // path still reaches the editor whole.
     void aShortTableNameKeepsItsBlanks()
     {
-        host = std::make_unique<Host>();
         host->ctl->setProperty("Editor", editor);
         QVERIFY(host->open(u"abcde"_s, u"<abcde><PREC>migrate pqrst002</PREC></abcde>"_s));
         editorWill(u"q"_s, 0);
