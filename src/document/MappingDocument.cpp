@@ -776,6 +776,20 @@ Node MappingDocument::GetSourceTableNode(const QString& table)
     return GetNode(SectionPath(QStringLiteral("SRCTAB/")) + table.toUpper());
 }
 
+QList<Node> MappingDocument::ListedSourceTables()
+{
+    QList<Node> out;
+    for (QString name : vb::Split(GetSourceTablesText(), u',')) {
+        name.remove(u'\r');
+        name.remove(u'\n');
+        if (vb::Trim(name).isEmpty())
+            continue;
+        if (const Node t = GetSourceTableNode(name))
+            out.append(t);
+    }
+    return out;
+}
+
 Node MappingDocument::GetTargetTableDefinition(const QString& table)
 {
     return GetNode(SectionPath(QStringLiteral("TARTAB/")) + table.toUpper());

@@ -110,6 +110,9 @@ public:
     QStringList MscriptTables();
     // SRCTAB/TARTAB definition of a table (name upper-cased), or no node.
     Node GetSourceTableNode(const QString& table);
+    // The definitions of the tables listed in SRCTBL, in list order; tables
+    // without a definition are left out.
+    QList<Node> ListedSourceTables();
     Node GetTargetTableDefinition(const QString& table);
 
     // ---- dumps --------------------------------------------------------------

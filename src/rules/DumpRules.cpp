@@ -63,16 +63,9 @@ void DumpRules::FillSourceFields()
     FieldListModel* model = s.dd->sourceFields;
     model->clear();
     QList<FieldRow> rows;
-    for (const QString& table : vb::Split(s.doc.GetSourceTablesText(), u',')) {
-        QString name = table;
-        name.remove(u'\r');
-        name.remove(u'\n');
-        if (vb::Trim(name).isEmpty())
-            continue;
-        const Node t = s.doc.GetSourceTableNode(name);
+    for (const Node& t : s.doc.ListedSourceTables())
         for (Node f = t.firstChildElement(); f; f = f.nextSiblingElement())
             rows.append(MakeFieldRow(t, f));
-    }
     model->appendRows(rows);
 }
 

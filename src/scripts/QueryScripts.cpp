@@ -5,6 +5,7 @@
 #include "ScriptEditor.h"
 #include "control/BoxText.h"
 #include "control/ControlState.h"
+#include "dictionary/core/FieldRules.h"
 #include "document/VbText.h"
 #include "forms/FrmTxtDoc.h"
 #include "rules/DefineDumpsPage.h"
@@ -103,6 +104,14 @@ void QueryScripts::RefreshSourceTableList()
     }
     if (s.dd)
         s.dd->lstSourceFields->viewport()->update();
+
+    // The fields of the listed source tables are offered for completion.
+    QStringList fields;
+    for (const Node& t : s.doc.ListedSourceTables())
+        for (Node f = t.firstChildElement(); f; f = f.nextSiblingElement())
+            fields.append(QualifiedFieldName(t, f));
+    for (ScriptEditor* e : {s.mo->txtPreCondition, s.mo->txtMainQuery, s.mo->txtFunctions, s.mo->txtVariables})
+        e->setCompletionWords(fields);
 }
 
 void QueryScripts::DeleteSelectedSourceTable()

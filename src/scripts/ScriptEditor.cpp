@@ -11,6 +11,15 @@ namespace {
 
 enum Style { Default = 0, Keyword = 1, Reference = 2 };
 
+constexpr int kFieldList = 1; // the id of the list of field names
+
+// Characters of a field name as scripts write it (table.field), in bytes.
+bool isWordByte(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
+           c == '$';
+}
+
 bool isSeparatorByte(char c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -128,6 +137,58 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
     // by itself would take Return and Tab from someone typing.
     setAutoCompletionSource(AcsDocument);
     setAutoCompletionThreshold(0);
+    connect(this, &QsciScintilla::userListActivated, this, [this](int id, const QString& chosen) {
+        if (id == kFieldList)
+            replaceWordBeforeCursor(chosen);
+    });
+}
+
+
+void ScriptEditor::setCompletionWords(const QStringList& words)
+{
+    m_completionWords = words;
+    m_completionWords.sort(Qt::CaseInsensitive);
+    m_completionWords.removeDuplicates();
+}
+
+QString ScriptEditor::wordBeforeCursor(int* start) const
+{
+    // Editor positions count bytes of the UTF-8 text.
+    const long end = SendScintilla(SCI_GETCURRENTPOS);
+    long b = end;
+    while (b > 0 && isWordByte(char(SendScintilla(SCI_GETCHARAT, static_cast<unsigned long>(b - 1)))))
+        --b;
+    if (start)
+        *start = int(b);
+    QByteArray bytes(int(end - b) + 1, '\0');
+    if (end > b)
+        SendScintilla(SCI_GETTEXTRANGE, int(b), int(end), bytes.data());
+    return QString::fromUtf8(bytes.constData());
+}
+
+void ScriptEditor::replaceWordBeforeCursor(const QString& word)
+{
+    int start = 0;
+    wordBeforeCursor(&start);
+    SendScintilla(SCI_SETSEL, static_cast<unsigned long>(start), SendScintilla(SCI_GETCURRENTPOS));
+    replaceSelectedText(word);
+}
+
+void ScriptEditor::completeWord()
+{
+    if (isReadOnly())
+        return;
+    const QString prefix = wordBeforeCursor(nullptr);
+    QStringList matches;
+    for (const QString& w : m_completionWords)
+        if (w.startsWith(prefix, Qt::CaseInsensitive))
+            matches.append(w);
+    if (matches.isEmpty())
+        autoCompleteFromDocument();
+    else if (matches.size() == 1)
+        replaceWordBeforeCursor(matches.first());
+    else
+        showUserList(kFieldList, matches);
 }
 
 void ScriptEditor::setPlainText(const QString& text)
@@ -167,7 +228,7 @@ void ScriptEditor::keyPressEvent(QKeyEvent* event)
     if (handleModifiedTab(event))
         return;
     if (event->key() == Qt::Key_Space && event->modifiers() == Qt::ControlModifier) {
-        autoCompleteFromAll(); // completion is offered on request only
+        completeWord(); // completion is offered on request only
         return;
     }
     QsciScintilla::keyPressEvent(event);

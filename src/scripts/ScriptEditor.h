@@ -18,6 +18,13 @@ public:
     QString plainText() const { return text(); }
     void setPlainText(const QString& text);
 
+    // Words offered on Ctrl+Space besides the words of the text itself: the
+    // qualified source fields ("pqrst002.custno").
+    void setCompletionWords(const QStringList& words);
+    // Ctrl+Space: completes the word before the cursor with a unique match,
+    // or offers the matches in a list.
+    void completeWord();
+
 Q_SIGNALS:
     // Tab with a modifier held; the key itself is swallowed.
     void tabWithModifiers(Qt::KeyboardModifiers modifiers);
@@ -27,6 +34,12 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    // The word before the cursor and where it starts.
+    QString wordBeforeCursor(int* start) const;
+    void replaceWordBeforeCursor(const QString& word);
+
+    QStringList m_completionWords;
+
     // Tab with a modifier: swallowed and reported; true when it was one.
     bool handleModifiedTab(QKeyEvent* event);
 };
