@@ -1,6 +1,6 @@
 #include "ScriptBuilderDialog.h"
+#include "AnswerButtons.h"
 
-#include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -79,12 +79,7 @@ ScriptBuilderDialog::ScriptBuilderDialog(Kind kind, const QString& script,
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 1);
 
-    auto* buttons = new QDialogButtonBox(editable ? QDialogButtonBox::Ok | QDialogButtonBox::Cancel
-                                                  : QDialogButtonBox::Close,
-                                         this);
-    buttons->setObjectName(QStringLiteral("buttons"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = MakeAnswerButtons(this, editable);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(splitter);

@@ -1,6 +1,6 @@
 #include "SourceTablesDialog.h"
+#include "AnswerButtons.h"
 
-#include <QDialogButtonBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -42,12 +42,7 @@ SourceTablesDialog::SourceTablesDialog(const MappingFile::Catalogue& catalogue, 
         }
     }
 
-    auto* buttons = new QDialogButtonBox(editable ? QDialogButtonBox::Ok | QDialogButtonBox::Cancel
-                                                  : QDialogButtonBox::Close,
-                                         this);
-    buttons->setObjectName(QStringLiteral("buttons"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = MakeAnswerButtons(this, editable);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(hint);
