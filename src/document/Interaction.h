@@ -29,19 +29,19 @@ public:
     virtual void MigrateTablesChanged() {}
 };
 
+// The answer of a box's first button.
+inline MsgAnswer FirstButton(MsgButtons buttons)
+{
+    return buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel ? MsgAnswer::Yes : MsgAnswer::Ok;
+}
+
 // An Interaction that shows nothing and answers every box with its first
 // button; for headless use.
 class SilentInteraction : public Interaction {
 public:
     MsgAnswer MsgBox(const QString&, MsgButtons buttons, MsgIcon, const QString&) override
     {
-        switch (buttons) {
-        case MsgButtons::YesNo:
-        case MsgButtons::YesNoCancel:
-            return MsgAnswer::Yes;
-        default:
-            return MsgAnswer::Ok;
-        }
+        return FirstButton(buttons);
     }
     QString InputBox(const QString&, const QString&, const QString&) override { return QString(); }
 };

@@ -148,6 +148,33 @@ bool passesMarkupChecks(QStringView t)
         return ok;
     };
 
+    // The ">" that closes a tag or a document type, outside quoted values and
+    // outside a document type's internal subset; -1 when there is none, or
+    // when a tag's quoted value holds "<" or a bad reference.
+    const auto closingBracket = [&](qsizetype from, bool documentType) -> qsizetype {
+        int depth = 0;
+        QChar quote;
+        for (qsizetype j = from; j < n; ++j) {
+            const QChar c = t[j];
+            if (!quote.isNull()) {
+                if (c == quote)
+                    quote = QChar();
+                else if (!documentType && (c == u'<' || (c == u'&' && !reference(j))))
+                    return -1;
+            } else if (c == u'"' || c == u'\'') {
+                quote = c;
+            } else if (documentType && c == u'[') {
+                ++depth;
+                internalSubset = true;
+            } else if (documentType && c == u']') {
+                --depth;
+            } else if (c == u'>' && depth <= 0) {
+                return j;
+            }
+        }
+        return -1;
+    };
+
     qsizetype i = 0;
     while (i < n) {
         const QStringView rest = t.mid(i);
@@ -176,53 +203,12 @@ bool passesMarkupChecks(QStringView t)
                 i = end + markup->close.size();
                 continue;
             }
-            if (rest.startsWith(u"<!")) {
-                // A document type: to its closing ">", past any internal subset.
-                qsizetype j = i + 2;
-                int depth = 0;
-                QChar quote;
-                for (; j < n; ++j) {
-                    const QChar c = t[j];
-                    if (!quote.isNull()) {
-                        if (c == quote)
-                            quote = QChar();
-                    } else if (c == u'"' || c == u'\'') {
-                        quote = c;
-                    } else if (c == u'[') {
-                        ++depth;
-                        internalSubset = true;
-                    } else if (c == u']') {
-                        --depth;
-                    } else if (c == u'>' && depth <= 0) {
-                        break;
-                    }
-                }
-                if (j >= n)
-                    return false;
-                i = j + 1;
-                continue;
-            }
-            // A tag, to its ">" outside quoted attribute values.
-            qsizetype j = i + 1;
-            QChar quote;
-            for (; j < n; ++j) {
-                const QChar c = t[j];
-                if (!quote.isNull()) {
-                    if (c == quote)
-                        quote = QChar();
-                    else if (c == u'<')
-                        return false;
-                    else if (c == u'&' && !reference(j))
-                        return false;
-                } else if (c == u'"' || c == u'\'') {
-                    quote = c;
-                } else if (c == u'>') {
-                    break;
-                }
-            }
-            if (j >= n)
+            // A document type or a tag: to the ">" that closes it.
+            const bool documentType = rest.startsWith(u"<!");
+            const qsizetype close = closingBracket(i + (documentType ? 2 : 1), documentType);
+            if (close < 0)
                 return false;
-            i = j + 1;
+            i = close + 1;
             continue;
         }
         if (t[i] == u'&') {

@@ -37,13 +37,7 @@ public:
             answers.pop_front();
             return a;
         }
-        switch (buttons) {
-        case MsgButtons::YesNo:
-        case MsgButtons::YesNoCancel:
-            return MsgAnswer::Yes;
-        default:
-            return MsgAnswer::Ok;
-        }
+        return FirstButton(buttons);
     }
 
     QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) override
