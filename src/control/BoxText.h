@@ -14,6 +14,11 @@ namespace fb {
 QString ToEditorText(const QString& text);
 // Every "\n" becomes CR LF.
 QString FromEditorText(const QString& text);
+// Any of the break forms above as CR LF: the form a box or a cell holds.
+inline QString CrLfText(const QString& text)
+{
+    return FromEditorText(ToEditorText(text));
+}
 
 // The text of a box (script editor or text box) in CR LF form, and setting it.
 QString BoxText(const QWidget* box);

@@ -148,8 +148,10 @@ void ctlFieldbridgePrivate::TabChanged(int index)
         s.dd->setEnabled(false);
         s.mo->setEnabled(true);
         s.dd->LBLTargetTableName->setEnabled(true);
-        if (!s.quietTabSwitch && previous == 1)
+        if (!s.quietTabSwitch && previous == 1) {
+            dumps.CommitOpenEdit();
             dumps.StoreDumpRules(dumps.SelectorTag());
+        }
         LayoutPanes();
         return;
     }
@@ -189,7 +191,7 @@ QString ctlFieldbridgePrivate::ReadMappingObject()
     s.scanner.PruneSections();
     const QString text = s.doc.Serialize();
     QString error;
-    if (!WriteTextFile(TempFolder() + s.doc.TableName() + QStringLiteral(".xml"), text, &error))
+    if (!WriteTextFile(TempFilePath(s.doc.TableName(), QStringLiteral(".xml")), text, &error))
         qWarning("ctlFieldbridge: the temporary export could not be written: %s", qPrintable(error));
     return text;
 }
@@ -289,7 +291,7 @@ bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
             }
         }
         if (type == QEvent::KeyPress && watched == s.dd->RulesGrid && !s.dd->txtgrdline->isVisible() &&
-            dumps.GridKeyPress(key->text(), key->key()))
+            dumps.GridKeyPress(key->text(), key->key(), key->modifiers()))
             return true;
         if (type == QEvent::KeyPress && watched == s.dd->txtgrdline && dumps.OverlayKeyDown(key->key()))
             return true;
@@ -379,7 +381,7 @@ QString ctlFieldbridge::SourceTables()
 void ctlFieldbridge::setPreCondition(const QString& text)
 {
     d->s.preConditionAssigned = text;
-    SetBoxText(d->s.mo->txtPreCondition, MappingDocument::UnescapeXmlText(text));
+    SetBoxText(d->s.mo->txtPreCondition, MappingDocument::DisplayText(text));
     d->scripts.StorePrecondition();
     d->s.mo->CmdBuildPre->setEnabled(true);
 }

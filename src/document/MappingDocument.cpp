@@ -1,6 +1,7 @@
 #include "MappingDocument.h"
 
 #include "FieldNames.h"
+#include "TextCodec.h"
 #include "VbText.h"
 
 #include <pugixml.hpp>
@@ -44,7 +45,7 @@ std::string utf8(const QString& s)
 
 QString fromUtf8(const char* s)
 {
-    return QString::fromUtf8(s);
+    return Utf8Text(s, qsizetype(std::strlen(s)));
 }
 
 // Line ends as the parser would leave them after the text went through a
@@ -91,6 +92,12 @@ bool isXmlChar(char32_t c)
            (c >= 0x10000 && c <= 0x10FFFF);
 }
 
+// Elements nested deeper than this are refused with the rest of the
+// document. Removing or copying a subtree walks it recursively (in the DOM
+// and in the host's own code alike), so an unbounded depth would let a
+// document overflow the stack; a mapping object needs a handful of levels.
+constexpr int kMaxNestingDepth = 1000;
+
 // The parser is lenient where XML is not: it keeps unknown entity references
 // and bare ampersands as text, cuts text at "&#0;", and accepts "<" in an
 // attribute value, "]]>" in text, "--" inside a comment and characters that
@@ -114,6 +121,7 @@ bool passesMarkupChecks(QStringView t)
     }
 
     bool internalSubset = false; // entities may be declared there
+    int openElements = 0;        // elements open at the current position
     // A reference starting at t[i] == '&'; on success i is left on its ';'.
     const auto reference = [&](qsizetype& i) {
         const qsizetype semi = t.indexOf(u';', i + 1);
@@ -208,6 +216,12 @@ bool passesMarkupChecks(QStringView t)
             const qsizetype close = closingBracket(i + (documentType ? 2 : 1), documentType);
             if (close < 0)
                 return false;
+            if (!documentType) {
+                if (t[i + 1] == u'/')
+                    --openElements;
+                else if (t[close - 1] != u'/' && ++openElements > kMaxNestingDepth)
+                    return false;
+            }
             i = close + 1;
             continue;
         }
@@ -269,7 +283,7 @@ QString Node::text() const
             break;
         cur = cur.next_sibling();
     }
-    return QString::fromUtf8(out.data(), qsizetype(out.size()));
+    return Utf8Text(out.data(), qsizetype(out.size()));
 }
 
 QString Node::attribute(const QString& name) const
@@ -445,7 +459,7 @@ QString MappingDocument::Serialize() const
         void write(const void* data, size_t size) override { out.append(static_cast<const char*>(data), size); }
     } writer;
     d->doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
-    return QString::fromUtf8(writer.out.data(), qsizetype(writer.out.size()));
+    return Utf8Text(writer.out.data(), qsizetype(writer.out.size()));
 }
 
 bool MappingDocument::IsEmpty() const
@@ -577,6 +591,11 @@ QString MappingDocument::UnescapeXmlText(const QString& text)
     s.replace(QStringLiteral("&quot;"), QStringLiteral("\""), Qt::CaseInsensitive);
     s.replace(u'\n', QStringLiteral("\r\n"));
     return s;
+}
+
+QString MappingDocument::DisplayText(const QString& text)
+{
+    return UnescapeXmlText(parsedLineEnds(text));
 }
 
 bool MappingDocument::SetText(const Node& node, const QString& text)
@@ -713,11 +732,25 @@ Node MappingDocument::GetQueryNode(const QString& source)
     return GetNode(SectionPath(QStringLiteral("QUERY")), QStringLiteral("ST"), source);
 }
 
+Node MappingDocument::findQueryExactly(const QString& source)
+{
+    const std::string st = utf8(source);
+    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
+        if (st == n.attribute("ST").value())
+            return Node(n.internal_object());
+    return Node();
+}
+
 bool MappingDocument::SaveQueryText(const QString& source, const QString& text)
 {
     if (text.isEmpty())
         return false;
     Node n = GetQueryNode(source);
+    // A table name with an apostrophe cannot be looked up by expression, so
+    // its query is never shown; saving it must still find the element it
+    // saved before instead of adding another one on every save.
+    if (!n && source.contains(u'\''))
+        n = findQueryExactly(source);
     if (!n) {
         const Node first = FirstChild();
         if (first)
@@ -808,6 +841,37 @@ QString MappingDocument::GetDumpChildText(qint16 number, const QString& name)
     if (number > 0)
         CreateDumpNode(number);
     return QString();
+}
+
+Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, const QString& rule)
+{
+    Node element = dump.childElement(field.name());
+    if (element)
+        SetNodeAttribute(element, QStringLiteral("No"), field.attribute(QStringLiteral("No")));
+    else
+        element = AppendRuleElement(dump, field);
+    fillRule(element, rule);
+    return element;
+}
+
+Node MappingDocument::AppendRuleElement(const Node& dump, const Node& field, const QString& rule)
+{
+    const Node element =
+        AppendChildElement(dump, field.name(), QStringLiteral("No"), field.attribute(QStringLiteral("No")));
+    SetNodeAttribute(element, QStringLiteral("TEXT"), QString());
+    if (!rule.isNull())
+        fillRule(element, rule);
+    return element;
+}
+
+void MappingDocument::fillRule(const Node& element, const QString& rule)
+{
+    if (!element)
+        return;
+    SetText(element, rule);
+    // TYPE follows the text as it is stored, whatever form its breaks had.
+    const bool lines = parsedLineEnds(rule).contains(u'\n');
+    SetNodeAttribute(element, QStringLiteral("TYPE"), lines ? QStringLiteral("1") : QStringLiteral("0"));
 }
 
 QList<Node> MappingDocument::DumpNodes()

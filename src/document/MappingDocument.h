@@ -76,6 +76,10 @@ public:
     Node AppendChildElement(const Node& parent, const QString& name, const QString& attrName = QString(),
                             const QString& attrValue = QString());
     static QString UnescapeXmlText(const QString& text);
+    // A stored text as a box or a grid cell shows it: each line break of the
+    // stored text (LF, CR LF or a lone CR, as references may have put it
+    // there) counts once, then UnescapeXmlText.
+    static QString DisplayText(const QString& text);
 
     // Changes of nodes found through the layer above.
     bool SetText(const Node& node, const QString& text);
@@ -121,6 +125,14 @@ public:
     Node CreateDumpNode(qint16 number, const QString& text);
     QString GetDumpChildText(qint16 number, const QString& name);
     QList<Node> DumpNodes();
+    // Writes the rule of one field into a dump: the element named like the
+    // field element, created when missing (with an empty TEXT). Whoever made
+    // the element, once it holds a rule it carries its field's No, and TYPE
+    // is "1" exactly when the text as stored holds a line break.
+    Node WriteRuleElement(const Node& dump, const Node& field, const QString& rule);
+    // Appends a new rule element for the field, also when one exists; with
+    // a null rule the element stays empty.
+    Node AppendRuleElement(const Node& dump, const Node& field, const QString& rule = QString());
     // The referenced-dump list and the dictionary of known dumps (number to
     // text), kept between calls and filled by the script scan.
     DumpReferences& ReferencedDumps() { return m_dumps; }
@@ -163,6 +175,8 @@ private:
     Node appendToFirstChild(const QString& name, const QString& attrName = QString(),
                             const QString& attrValue = QString());
     bool setSectionText(const QString& section, const QString& text);
+    Node findQueryExactly(const QString& source);
+    void fillRule(const Node& element, const QString& rule);
 };
 
 // True when the text is a well-formed XML element name.

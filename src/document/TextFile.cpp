@@ -1,13 +1,20 @@
 #include "TextFile.h"
 
+#include "TextCodec.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 
+#include <algorithm>
 #include <memory>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,18 +23,15 @@ namespace fb {
 namespace {
 
 // True when path is a real directory (not a link) owned by this user and
-// closed to everyone else, after making it so where it can.
+// closed to everyone else. A folder that is open to others is not made
+// private: whatever was planted in it meanwhile would stay.
 bool isPrivateDir(const QString& path)
 {
     struct stat st {};
     const QByteArray p = QFile::encodeName(path);
     if (::lstat(p.constData(), &st) != 0)
         return false;
-    if (!S_ISDIR(st.st_mode) || st.st_uid != ::geteuid())
-        return false;
-    if ((st.st_mode & 0077) != 0 && ::chmod(p.constData(), 0700) != 0)
-        return false;
-    return true;
+    return S_ISDIR(st.st_mode) && st.st_uid == ::geteuid() && (st.st_mode & 0077) == 0;
 }
 
 QString ensureTrailingSlash(QString path)
@@ -35,6 +39,11 @@ QString ensureTrailingSlash(QString path)
     if (!path.endsWith(u'/'))
         path += u'/';
     return path;
+}
+
+bool isUnsafeInFileName(QChar c)
+{
+    return c == u'/' || c.unicode() < 0x20 || c.unicode() == 0x7F;
 }
 
 } // namespace
@@ -49,19 +58,43 @@ QString TempFolder()
     if (fallback)
         return ensureTrailingSlash(fallback->path());
 
-    const QString path =
-        QDir::tempPath() + QStringLiteral("/fieldbridge-") + QString::number(::geteuid());
+    const QString path = QDir::tempPath() + QStringLiteral("/fieldbridge-") + QString::number(::geteuid());
     const QByteArray p = QFile::encodeName(path);
     if (::mkdir(p.constData(), 0700) == 0 || isPrivateDir(path))
         return ensureTrailingSlash(path);
 
-    // Someone else holds that name: use a fresh private folder instead.
+    // Someone else holds that name, or it was open to others: use a fresh
+    // private folder instead.
     fallback = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/fieldbridge-XXXXXX"));
     return ensureTrailingSlash(fallback->path());
 }
 
+QString TableFileName(const QString& tableName)
+{
+    if (std::none_of(tableName.cbegin(), tableName.cend(), isUnsafeInFileName))
+        return tableName;
+    QString safe;
+    for (QChar c : tableName) {
+        if (isUnsafeInFileName(c))
+            safe += u'%' + QStringLiteral("%1").arg(c.unicode(), 2, 16, QChar(u'0')).toUpper();
+        else
+            safe += c;
+    }
+    return safe;
+}
+
+QString TempFilePath(const QString& tableName, const QString& suffix)
+{
+    return TempFolder() + TableFileName(tableName) + suffix;
+}
+
 bool WriteTextFile(const QString& path, const QString& text, QString* error)
 {
+    const auto fail = [error](const QString& reason) {
+        if (error)
+            *error = reason;
+        return false;
+    };
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir(folder).exists()) {
         // Asking for the temporary folder may itself create it again (it is
@@ -70,33 +103,42 @@ bool WriteTextFile(const QString& path, const QString& text, QString* error)
         const bool made = QDir(folder).exists() ||
                           (QDir().mkpath(folder) &&
                            (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
-        if (!made) {
-            if (error)
-                *error = QStringLiteral("Cannot create the folder ") + folder;
-            return false;
-        }
+        if (!made)
+            return fail(QStringLiteral("Cannot create the folder ") + folder);
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        if (error)
-            *error = file.errorString();
-        return false;
-    }
-    file.write(text.toLocal8Bit());
-    if (!file.commit()) {
-        if (error)
-            *error = file.errorString();
-        return false;
-    }
+
+    // A new file of our own beside the target, renamed over it: the rename
+    // replaces whatever entry stands at the path (a link included) instead of
+    // writing into what it points to.
+    QTemporaryFile file(folder + QStringLiteral("/.fieldbridge-XXXXXX"));
+    if (!file.open())
+        return fail(file.errorString());
+    const QByteArray bytes = text.toLocal8Bit();
+    if (file.write(bytes) != bytes.size() || !file.flush())
+        return fail(file.errorString());
+    file.close();
+    if (::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) != 0)
+        return fail(QString::fromLocal8Bit(std::strerror(errno)));
+    file.setAutoRemove(false); // it is the target now
     return true;
 }
 
-QString ReadTextFile(const QString& path)
+QString ReadTextFile(const QString& path, bool* ok)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (ok)
+        *ok = false;
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0)
         return QString();
-    return QString::fromLocal8Bit(file.readAll());
+    QFile file;
+    if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return QString();
+    }
+    const QByteArray bytes = file.readAll();
+    if (ok)
+        *ok = file.error() == QFileDevice::NoError;
+    return LocalText(bytes);
 }
 
 } // namespace fb

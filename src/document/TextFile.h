@@ -8,18 +8,31 @@ namespace fb {
 
 // $FIELDBRIDGE_TEMP when set; otherwise a folder of this user's own under the
 // system's temporary folder, created with mode 0700. A folder of that name
-// that is not this user's private directory is never used: a fresh private
-// folder takes its place for the life of the process. Ends with "/".
+// that is not this user's private directory, or that was ever open to
+// others, is never used: a fresh private folder takes its place for the life
+// of the process. Ends with "/".
 QString TempFolder();
 
+// The file name part that the 8-character table name gives: the name as it
+// is (blanks kept) when it can be a plain file name; otherwise each "/" and
+// each control character in it becomes "%" and its two hexadecimal digits,
+// so that no table name can reach outside the temporary folder.
+QString TableFileName(const QString& tableName);
+
+// The temporary file for a table: the temporary folder, the table's file
+// name part and the suffix (".xml", "Rule.qbx", ...).
+QString TempFilePath(const QString& tableName, const QString& suffix);
+
 // Writes the whole text in the locale's encoding (UTF-8 on Linux, so no
-// character of any script is lost). The file is replaced in one step: a
-// reader sees the old content or the new, never half of it. Creates the
-// temporary folder when the path lies in it and it is missing. Returns false
-// (with the reason in error, when given) when the file cannot be written.
+// character of any script is lost). The file is replaced in one step by a
+// new file of this user's: a reader sees the old content or the new, and a
+// link planted at the path is replaced, never written through. Creates the
+// folder when it is missing. Returns false (with the reason in error, when
+// given) when the file cannot be written.
 bool WriteTextFile(const QString& path, const QString& text, QString* error = nullptr);
 
-// The whole file; "" for an empty or unreadable file.
-QString ReadTextFile(const QString& path);
+// The whole file; "" for an empty file. A link or a file that cannot be
+// read gives "" with ok false.
+QString ReadTextFile(const QString& path, bool* ok = nullptr);
 
 } // namespace fb

@@ -1,6 +1,5 @@
 #include "FrmTxtDoc.h"
 
-#include "Module1.h"
 #include "control/BoxText.h"
 #include "control/Twips.h"
 #include "document/VbText.h"
@@ -14,8 +13,8 @@
 
 namespace fb {
 
-FrmTxtDoc::FrmTxtDoc(Module1& module, QWidget* parent)
-    : QDialog(parent), m_module(module), m_txtDoc(new QPlainTextEdit(this)),
+FrmTxtDoc::FrmTxtDoc(const Module1& module, QWidget* parent)
+    : QDialog(parent), m_values(module), m_txtDoc(new QPlainTextEdit(this)),
       m_cmbTargetTable(new QComboBox(this)), m_lblTarget(new QLabel(QStringLiteral("Target Table:"), this)),
       m_cmdOk(new QPushButton(QStringLiteral("OK"), this)),
       m_cmdCancel(new QPushButton(QStringLiteral("Cancel"), this))
@@ -71,10 +70,10 @@ FrmTxtDoc::FrmTxtDoc(Module1& module, QWidget* parent)
 void FrmTxtDoc::onOk()
 {
     m_byButton = true;
-    if (m_module.DocTextMode)
-        m_module.DocText = FromEditorText(m_txtDoc->toPlainText());
+    if (m_values.DocTextMode)
+        m_values.DocText = FromEditorText(m_txtDoc->toPlainText());
     else
-        m_module.ChosenTable = m_cmbTargetTable->currentText();
+        m_values.ChosenTable = m_cmbTargetTable->currentText();
     accept();
 }
 
@@ -92,18 +91,67 @@ void FrmTxtDoc::reject()
 
 void FrmTxtDoc::closeEvent(QCloseEvent* event)
 {
-    if (!m_byButton && m_module.DocTextMode && m_module.DocTextEditable && m_changed) {
+    if (!m_byButton && m_values.DocTextMode && m_values.DocTextEditable && m_changed) {
         const QString text = FromEditorText(m_txtDoc->toPlainText());
-        if (text != m_module.DocText) {
+        if (text != m_values.DocText) {
             QMessageBox box(QMessageBox::NoIcon, QString(), QStringLiteral("Save Changes Done ?"),
                             QMessageBox::Yes | QMessageBox::No, this);
             if (box.exec() == QMessageBox::Yes)
-                m_module.DocText = text;
+                m_values.DocText = text;
         }
     }
     m_byButton = true;
     event->accept();
     QDialog::reject();
+}
+
+namespace {
+
+// Marks the control's dialog as open for as long as it lives.
+class OpenDialog {
+public:
+    explicit OpenDialog(Module1& shared) : m_shared(shared) { m_shared.DialogOpen = true; }
+    ~OpenDialog() { m_shared.DialogOpen = false; }
+    OpenDialog(const OpenDialog&) = delete;
+    OpenDialog& operator=(const OpenDialog&) = delete;
+
+private:
+    Module1& m_shared;
+};
+
+Module1 execDialog(Module1& shared, Module1 values, QWidget* parent)
+{
+    const OpenDialog open(shared);
+    values.DocTextEditable = shared.DocTextEditable;
+    FrmTxtDoc dialog(values, parent);
+    dialog.exec();
+    return dialog.values();
+}
+
+} // namespace
+
+std::optional<QString> EditDocText(Module1& shared, QWidget* parent, const QString& title, const QString& text)
+{
+    if (shared.DialogOpen)
+        return std::nullopt;
+    Module1 values;
+    values.DocTextMode = true;
+    values.DocTitle = title;
+    values.DocText = text;
+    return execDialog(shared, values, parent).DocText;
+}
+
+std::optional<QString> ChooseTargetTable(Module1& shared, QWidget* parent, qint16 dumpNumber,
+                                         const QString& tableList, const QString& preset)
+{
+    if (shared.DialogOpen)
+        return std::nullopt;
+    Module1 values;
+    values.DocTextMode = false;
+    values.DialogDumpNumber = dumpNumber;
+    values.TableList = tableList;
+    values.ChosenTable = preset;
+    return execDialog(shared, values, parent).ChosenTable;
 }
 
 } // namespace fb

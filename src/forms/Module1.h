@@ -4,8 +4,9 @@
 
 namespace fb {
 
-// The values that the control and FrmTxtDoc exchange. One instance per
-// control; every caller sets what it needs before showing the dialog.
+// The values that the control and FrmTxtDoc exchange. The control keeps one
+// instance (its edit flag and whether a dialog is open); each dialog works
+// on a copy filled for the one use.
 struct Module1 {
     bool DocTextMode = true;       // true: edit a text; false: choose a target table
     QString DocText;               // in: the text to show; out: the text to store
@@ -14,6 +15,7 @@ struct Module1 {
     QString TableList;             // target tables, each followed by ";"
     QString ChosenTable;           // in: the preset; out: the table chosen
     QString DocTitle;              // caption of the dialog in text mode
+    bool DialogOpen = false;       // one dialog of a control at a time
 };
 
 // The template offered for a rule documentation that has no text yet.

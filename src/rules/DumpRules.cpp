@@ -147,25 +147,13 @@ void DumpRules::StoreDumpRules(const QString& dumpNumber)
         if (!fieldNo)
             continue;
         const int r = *fieldNo - 1;
-        const bool inGrid = r >= 0 && r < grid->rowCount();
-        const Node child = dump.childElement(f.name());
-        if (!inGrid)
+        if (r < 0 || r >= grid->rowCount())
             continue;
         const QString rule = grid->text(r, 1);
-        const QString type = rule.contains(QStringLiteral("\r\n")) ? QStringLiteral("1") : QStringLiteral("0");
-        if (!child) {
-            if (rule.isEmpty())
-                continue;
-            const Node created = s.doc.AppendChildElement(dump, f.name(), QStringLiteral("No"), no);
-            s.doc.SetNodeAttribute(created, QStringLiteral("TEXT"), QString());
-            s.doc.SetText(created, rule);
-            s.doc.SetNodeAttribute(created, QStringLiteral("TYPE"), type);
-        } else if (rule.isEmpty()) {
+        if (!rule.isEmpty())
+            s.doc.WriteRuleElement(dump, f, rule);
+        else if (const Node child = dump.childElement(f.name()))
             s.doc.RemoveChild(dump, child);
-        } else {
-            s.doc.SetText(child, rule);
-            s.doc.SetNodeAttribute(child, QStringLiteral("TYPE"), type);
-        }
     }
 }
 
@@ -186,7 +174,7 @@ void DumpRules::LoadDumpRules(qint16 number)
             continue;
         const int r = *no - 1;
         if (r >= 0 && r < grid->rowCount())
-            grid->setText(r, 1, MappingDocument::UnescapeXmlText(s.doc.GetDumpChildText(number, c.name())));
+            grid->setText(r, 1, MappingDocument::DisplayText(s.doc.GetDumpChildText(number, c.name())));
     }
     s.dd->RulesGrid->scrollToTop();
 
@@ -246,14 +234,8 @@ QString DumpRules::TableListOfSelector() const
 void DumpRules::AddDefaultRule(const Node& dump, const QString& table)
 {
     const Node first = s.doc.GetTargetTableDefinition(table).firstChildElement();
-    if (!dump || !first)
-        return;
-    // The rule carries its field's No, so that the grid can place it.
-    const Node rule =
-        s.doc.AppendChildElement(dump, first.name(), QStringLiteral("No"), first.attribute(QStringLiteral("No")));
-    s.doc.SetNodeAttribute(rule, QStringLiteral("TEXT"), QString());
-    s.doc.SetText(rule, QStringLiteral("default()"));
-    s.doc.SetNodeAttribute(rule, QStringLiteral("TYPE"), QStringLiteral("0"));
+    if (dump && first)
+        s.doc.AppendRuleElement(dump, first, QStringLiteral("default()"));
 }
 
 void DumpRules::BindDumpToTable(const Node& dump, const QString& table)
@@ -274,13 +256,10 @@ void DumpRules::BindUnboundDumps()
         const Node dump = s.doc.GetDumpNode(number);
         if (!dump || !dump.attribute(QStringLiteral("TT")).isEmpty())
             continue;
-        s.module.DocTextMode = false;
-        s.module.TableList = TableListOfSelector();
-        s.module.ChosenTable = s.dd->CmbTargetTable->count() > 0 ? s.dd->CmbTargetTable->itemText(0) : QString();
-        s.module.DialogDumpNumber = number;
-        FrmTxtDoc dialog(s.module, s.control);
-        dialog.exec();
-        BindDumpToTable(dump, s.module.ChosenTable); // a cancelled dialog binds the first table
+        const QString first = s.dd->CmbTargetTable->count() > 0 ? s.dd->CmbTargetTable->itemText(0) : QString();
+        // A cancelled dialog binds the first table.
+        if (const auto chosen = ChooseTargetTable(s.module, s.control, number, TableListOfSelector(), first))
+            BindDumpToTable(dump, *chosen);
     }
 }
 
@@ -299,6 +278,7 @@ qint16 DumpRules::SelectedDumpNumber() const
 
 void DumpRules::onDumpChosen(int index)
 {
+    CommitOpenEdit();
     if (!m_tag.isEmpty())
         StoreDumpRules(m_tag);
     const auto number = qint16(s.dd->CmbDump->itemData(index).toInt());
@@ -310,6 +290,7 @@ void DumpRules::onDumpChosen(int index)
 
 void DumpRules::onShow()
 {
+    CommitOpenEdit();
     if (!m_tag.isEmpty())
         StoreDumpRules(m_tag);
     const int index = s.dd->CmbDump->currentIndex();
@@ -416,7 +397,7 @@ void DumpRules::SetFieldMapping(const QString& rule)
     // column is never edited.
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
     if (current.isValid())
-        s.dd->rules->setText(current.row(), 1, FromEditorText(ToEditorText(rule)));
+        s.dd->rules->setText(current.row(), 1, rule);
     s.dd->CmdFuncBuild->setEnabled(true);
 }
 
@@ -427,6 +408,14 @@ namespace fb {
 // ---- in-place editing -----------------------------------------------------
 
 void DumpRules::GridEdit(qint16 keyAscii, bool typed)
+{
+    // A blank, Enter or another control key opens the rule for change;
+    // another key typed over the cell starts a new rule with its character.
+    const bool startsNew = typed && !(keyAscii >= 0 && keyAscii <= 32);
+    OpenOverlay(startsNew ? QString(QChar(char16_t(keyAscii))) : QString());
+}
+
+void DumpRules::OpenOverlay(const QString& typed)
 {
     QTableView* grid = s.dd->RulesGrid;
     QPlainTextEdit* overlay = s.dd->txtgrdline;
@@ -442,13 +431,9 @@ void DumpRules::GridEdit(qint16 keyAscii, bool typed)
         grid->setCurrentIndex(current);
     }
     overlay->setFont(grid->font());
-    const QString cell = s.dd->rules->text(current.row(), 1);
-    if (keyAscii >= 0 && keyAscii <= 32)
-        SetBoxText(overlay, cell);
-    else if (typed)
-        SetBoxText(overlay, QString(QChar(char16_t(keyAscii))));
-    else
-        SetBoxText(overlay, cell);
+    // The overlay is locked in read-only mode: what is typed there never
+    // replaces the rule.
+    SetBoxText(overlay, typed.isEmpty() || !s.edit ? s.dd->rules->text(current.row(), 1) : typed);
 
     // Over the cell, 70 twips narrower than it.
     const QRect cellRect = grid->visualRect(current);
@@ -482,9 +467,12 @@ void DumpRules::MoveToNextRow()
         grid->scrollTo(next, QAbstractItemView::PositionAtTop);
 }
 
-bool DumpRules::GridKeyPress(const QString& text, int key)
+bool DumpRules::GridKeyPress(const QString& text, int key, Qt::KeyboardModifiers modifiers)
 {
     QTableView* grid = s.dd->RulesGrid;
+    // Ctrl and Alt combinations are commands and access keys, never text.
+    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return false;
     if (key == Qt::Key_Tab) {
         if (grid->currentIndex().column() == 0)
             grid->setCurrentIndex(grid->currentIndex().siblingAtColumn(1));
@@ -495,19 +483,25 @@ bool DumpRules::GridKeyPress(const QString& text, int key)
         return false; // navigation keys stay with the grid
     if (grid->currentIndex().isValid() && grid->currentIndex().column() == 0)
         grid->setCurrentIndex(grid->currentIndex().siblingAtColumn(1));
-    GridEdit(qint16(text[0].unicode()), true);
+    // The whole typed text: a character outside the basic plane is two
+    // code units, and half of one is no character at all.
+    if (text.size() == 1 && text[0].unicode() <= 32)
+        GridEdit(qint16(text[0].unicode()), true);
+    else
+        OpenOverlay(text);
     return true;
 }
 
 void DumpRules::CommitOverlay(int row)
 {
-    s.dd->rules->setText(row, 1, BoxText(s.dd->txtgrdline));
+    if (s.edit) // a locked overlay holds nothing typed
+        s.dd->rules->setText(row, 1, BoxText(s.dd->txtgrdline));
 }
 
 void DumpRules::GridCurrentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
     QPlainTextEdit* overlay = s.dd->txtgrdline;
-    if (overlay->isVisible() && previous.isValid()) {
+    if (!overlay->isHidden() && previous.isValid()) {
         // Leaving the cell commits the edit and stores the dump at once.
         CommitOverlay(previous.row());
         overlay->hide();
@@ -527,7 +521,7 @@ void DumpRules::GridGotFocus()
 {
     QPlainTextEdit* overlay = s.dd->txtgrdline;
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
-    if (overlay->isVisible() && current.isValid()) {
+    if (!overlay->isHidden() && current.isValid()) {
         CommitOverlay(current.row());
         overlay->hide();
     }
@@ -550,8 +544,13 @@ bool DumpRules::OverlayKeyDown(int key)
 
 void DumpRules::OverlayLostFocus()
 {
+    CommitOpenEdit();
+}
+
+void DumpRules::CommitOpenEdit()
+{
     QPlainTextEdit* overlay = s.dd->txtgrdline;
-    if (!overlay->isVisible())
+    if (overlay->isHidden())
         return;
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
     if (current.isValid())
@@ -571,6 +570,7 @@ void DumpRules::SourceFieldsGotFocus()
 
 void DumpRules::Map()
 {
+    CommitOpenEdit();
     const QModelIndex target = s.dd->lstTargetFields->currentIndex();
     if (!target.isValid() || !s.dd->lstTargetFields->selectionModel()->isRowSelected(target.row(), QModelIndex()))
         return;
@@ -590,6 +590,7 @@ void DumpRules::Map()
 
 void DumpRules::Guess()
 {
+    CommitOpenEdit();
     const FieldListModel* sources = s.dd->sourceFields;
     const FieldListModel* targets = s.dd->targetFields;
     if (sources->rowCount() == 0 || targets->rowCount() == 0)
@@ -620,6 +621,7 @@ void DumpRules::Guess()
 
 void DumpRules::FuncBuild()
 {
+    CommitOpenEdit();
     if (s.dd->CmbDump->currentText().isEmpty())
         return;
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
@@ -635,6 +637,7 @@ namespace fb {
 
 void DumpRules::CopyDump()
 {
+    CommitOpenEdit();
     const qint16 target = SelectedDumpNumber();
     const QString answer = s.ui.InputBox(QStringLiteral("Please enter the dump number to be copied from: "),
                                          QStringLiteral("Copying rules to dump : ") + QString::number(target));
@@ -706,17 +709,14 @@ bool DumpRules::DumpHasRules(qint16 dump)
 
 void DumpRules::ChangeTargetTable()
 {
+    CommitOpenEdit();
     const qint16 number = SelectedDumpNumber();
-    s.module.DocTextMode = false;
-    s.module.TableList = TableListOfSelector();
-    s.module.ChosenTable = s.dd->CmbTargetTable->currentText();
-    s.module.DialogDumpNumber = number;
-    {
-        FrmTxtDoc dialog(s.module, s.control);
-        dialog.exec();
-    }
+    const auto answer = ChooseTargetTable(s.module, s.control, number, TableListOfSelector(),
+                                          s.dd->CmbTargetTable->currentText());
+    if (!answer)
+        return;
     const QString present = s.dd->LBLTargetTableName->text();
-    const QString chosen = s.module.ChosenTable;
+    const QString chosen = *answer;
     if (present.toUpper() != chosen.toUpper()) {
         if (DumpHasRules(number)) {
             const QString n = vb::SignPadded(number);
@@ -763,12 +763,12 @@ bool DumpRules::FieldHasText()
 
 void DumpRules::DumpText()
 {
+    CommitOpenEdit();
     if (s.dd->CmbDump->currentText().isEmpty())
         return;
     if (!s.doc.GetNode(s.doc.SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"),
                        QString::number(vb::ToInteger(m_tag).value_or(0))))
         return;
-    s.module.DocTextMode = true;
     QString label;
     const Node rule = CurrentRuleElement(&label);
     if (label.isEmpty())
@@ -780,21 +780,20 @@ void DumpRules::DumpText()
     }
     const QString stored = rule.attribute(QStringLiteral("TEXT"));
     const QString working = stored.isEmpty() ? DocTextTemplate() : stored;
-    s.module.DocText = MappingDocument::UnescapeXmlText(working);
-    s.module.DocTitle = QStringLiteral("Text For Field : '") + label + QStringLiteral("'   Dump:") +
-                        QString::number(SelectedDumpNumber());
-    {
-        FrmTxtDoc dialog(s.module, s.control);
-        dialog.exec();
-    }
+    const QString title = QStringLiteral("Text For Field : '") + label + QStringLiteral("'   Dump:") +
+                          QString::number(SelectedDumpNumber());
+    auto text = EditDocText(s.module, s.control, title, MappingDocument::DisplayText(working));
+    if (!text)
+        return;
     // The untouched template is no text at all, whatever its line breaks.
-    if (ToEditorText(s.module.DocText) == ToEditorText(DocTextTemplate()))
-        s.module.DocText.clear();
-    s.doc.SetNodeAttribute(rule, QStringLiteral("TEXT"), s.module.DocText);
+    if (ToEditorText(*text) == ToEditorText(DocTextTemplate()))
+        text->clear();
+    s.doc.SetNodeAttribute(rule, QStringLiteral("TEXT"), *text);
 }
 
 void DumpRules::EditRule()
 {
+    CommitOpenEdit();
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
     s.dd->CmdEditRule->setEnabled(false);
     QString text = current.isValid() ? s.dd->rules->text(current.row(), 1) : QString();

@@ -3,6 +3,7 @@
 #include "document/Node.h"
 
 #include <QString>
+#include <Qt>
 
 class QModelIndex;
 
@@ -54,9 +55,16 @@ public:
 
     // ---- in-place editing ----
     void GridEdit(qint16 keyAscii, bool typed);
+    // Opens the overlay over the current cell, holding the typed text when
+    // there is one, else the cell's rule.
+    void OpenOverlay(const QString& typed);
+    // An edit still open in the overlay is written into its cell, as the
+    // overlay losing the focus writes it: whatever way the user leaves the
+    // grid, nothing typed there is lost.
+    void CommitOpenEdit();
     void GridDoubleClicked();
     // A key pressed in the grid; true when it was used.
-    bool GridKeyPress(const QString& text, int key);
+    bool GridKeyPress(const QString& text, int key, Qt::KeyboardModifiers modifiers);
     void GridCurrentChanged(const QModelIndex& current, const QModelIndex& previous);
     void GridGotFocus();
     // Keys of the overlay box; true when used.

@@ -53,7 +53,10 @@ void RulesGridModel::setText(int row, int column, const QString& text)
 {
     if (row < 0 || row >= m_names.size() || column < 0 || column > 1)
         return;
-    (column == 0 ? m_names : m_rules)[row] = text;
+    // A rule cell holds its line breaks as CR LF, whatever form they came
+    // in (a stored CR LF that the display decoding turned into CR CR LF, a
+    // lone CR), so that each break is stored back as exactly one.
+    (column == 0 ? m_names : m_rules)[row] = column == 1 ? CrLfText(text) : text;
     Q_EMIT dataChanged(index(row, column), index(row, column));
 }
 

@@ -28,7 +28,7 @@ QString DefaultEditor()
 
 QString EditorFilePath(const ControlState& s, const QString& fileName)
 {
-    return TempFolder() + s.doc.TableName() + fileName;
+    return TempFilePath(s.doc.TableName(), fileName);
 }
 
 qint16 OpenInEditor(ControlState& s, const QString& path)
@@ -74,7 +74,13 @@ bool EditExternally(ControlState& s, const QString& fileName, QString& text)
     }
     if (OpenInEditor(s, path) != 0)
         return false; // the edit is discarded
-    text = FromEditorText(ToEditorText(ReadTextFile(path)));
+    // A file that can no longer be read (replaced by a link, removed)
+    // discards the edit rather than emptying the text.
+    bool read = false;
+    const QString edited = ReadTextFile(path, &read);
+    if (!read)
+        return false;
+    text = CrLfText(edited);
     return true;
 }
 

@@ -182,7 +182,7 @@ void QueryScripts::FillMigrateSourceList()
 void QueryScripts::ShowMigrateQuery(const QString& table)
 {
     if (!table.isEmpty()) {
-        SetBoxText(s.mo->txtMainQuery, MappingDocument::UnescapeXmlText(s.doc.GetQueryText(table)));
+        SetBoxText(s.mo->txtMainQuery, MappingDocument::DisplayText(s.doc.GetQueryText(table)));
         s.mainQueryTable = table;
     } else {
         SetBoxText(s.mo->txtMainQuery, QString());
@@ -213,7 +213,7 @@ void QueryScripts::MigrateSourceClicked(const QModelIndex& index)
         s.doc.SaveQueryText(s.mainQueryTable, BoxText(s.mo->txtMainQuery));
     const int at = vb::InStrText(row, QStringLiteral("migrate "));
     const QString table = vb::Trim(vb::Mid(row, at + 8));
-    SetBoxText(s.mo->txtMainQuery, MappingDocument::UnescapeXmlText(s.doc.GetQueryText(table)));
+    SetBoxText(s.mo->txtMainQuery, MappingDocument::DisplayText(s.doc.GetQueryText(table)));
     s.mainQueryTable = table;
 }
 
@@ -228,7 +228,7 @@ void QueryScripts::ApplyMainQueryLock()
 
 void QueryScripts::ShowPrecondition()
 {
-    SetBoxText(s.mo->txtPreCondition, MappingDocument::UnescapeXmlText(s.doc.GetPreconditionText()));
+    SetBoxText(s.mo->txtPreCondition, MappingDocument::DisplayText(s.doc.GetPreconditionText()));
     if (!s.edit)
         s.mo->CmdPreDoc->setEnabled(HasPreconditionText());
 }
@@ -258,24 +258,14 @@ void QueryScripts::onBuildMQ()
     Q_EMIT s.control->ShowQueryBuilderPopUp(BoxText(s.mo->txtMainQuery), s.mainQueryTable);
 }
 
-QString QueryScripts::RunDocDialog(const QString& text, const QString& title)
-{
-    s.module.DocTextMode = true;
-    s.module.DocText = text;
-    s.module.DocTitle = title;
-    FrmTxtDoc dialog(s.module, s.control);
-    dialog.exec();
-    return s.module.DocText;
-}
-
 void QueryScripts::onPreDoc()
 {
     const Node prec = s.doc.GetPreconditionNode();
     if (!prec)
         return;
-    const QString text = MappingDocument::UnescapeXmlText(prec.attribute(QStringLiteral("TEXT")));
-    const QString result = RunDocDialog(text, QStringLiteral("Precondition Text"));
-    s.doc.SetNodeAttribute(s.doc.GetPreconditionNode(), QStringLiteral("TEXT"), result);
+    const QString text = MappingDocument::DisplayText(prec.attribute(QStringLiteral("TEXT")));
+    if (const auto result = EditDocText(s.module, s.control, QStringLiteral("Precondition Text"), text))
+        s.doc.SetNodeAttribute(s.doc.GetPreconditionNode(), QStringLiteral("TEXT"), *result);
 }
 
 void QueryScripts::onMQDoc()
@@ -283,9 +273,10 @@ void QueryScripts::onMQDoc()
     if (s.mainQueryTable.isEmpty() || !s.doc.GetQueryNode(s.mainQueryTable))
         return;
     const QString table = s.mainQueryTable;
-    const QString text = MappingDocument::UnescapeXmlText(s.doc.GetQueryNode(table).attribute(QStringLiteral("TEXT")));
-    const QString result = RunDocDialog(text, QStringLiteral("Text for Migrate:") + s.doc.TableName());
-    s.doc.SetNodeAttribute(s.doc.GetQueryNode(table), QStringLiteral("TEXT"), result);
+    const QString text = MappingDocument::DisplayText(s.doc.GetQueryNode(table).attribute(QStringLiteral("TEXT")));
+    const QString title = QStringLiteral("Text for Migrate:") + s.doc.TableName();
+    if (const auto result = EditDocText(s.module, s.control, title, text))
+        s.doc.SetNodeAttribute(s.doc.GetQueryNode(table), QStringLiteral("TEXT"), *result);
 }
 
 // ---- functions and variables ----------------------------------------------
@@ -293,20 +284,31 @@ void QueryScripts::onMQDoc()
 void QueryScripts::SwitchScriptView(bool showPrecondition, bool keepEdits)
 {
     MappingObjectPage* mo = s.mo;
+    // Writing back the text as it is stored never creates a section that the
+    // document did not have.
+    const auto writeBack = [this](const QString& section, const QString& stored, const QString& text,
+                                  bool (MappingDocument::*set)(const QString&)) {
+        if (text != stored || s.doc.GetNode(s.doc.SectionPath(section)))
+            (s.doc.*set)(text);
+    };
     if (mo->txtFunctions->isVisibleTo(mo)) {
         mo->txtFunctions->hide();
-        s.doc.SetFunctionsText(keepEdits ? BoxText(mo->txtFunctions) : s.doc.GetFunctionsText());
+        const QString stored = s.doc.GetFunctionsText();
+        writeBack(QStringLiteral("FUNCTIONS"), stored, keepEdits ? BoxText(mo->txtFunctions) : stored,
+                  &MappingDocument::SetFunctionsText);
     }
     if (mo->txtVariables->isVisibleTo(mo)) {
         mo->txtVariables->hide();
-        s.doc.SetVariablesText(keepEdits ? BoxText(mo->txtVariables) : s.doc.GetVariablesText());
+        const QString stored = s.doc.GetVariablesText();
+        writeBack(QStringLiteral("VAR"), stored, keepEdits ? BoxText(mo->txtVariables) : stored,
+                  &MappingDocument::SetVariablesText);
     }
     mo->ShowArrangement(showPrecondition);
 }
 
 void QueryScripts::onFunction()
 {
-    SetBoxText(s.mo->txtFunctions, MappingDocument::UnescapeXmlText(s.doc.GetFunctionsText()));
+    SetBoxText(s.mo->txtFunctions, MappingDocument::DisplayText(s.doc.GetFunctionsText()));
     SwitchScriptView(false, false);
     s.mo->txtFunctions->show();
     s.mo->lblPreCondition->setText(QStringLiteral("Functions"));
@@ -320,7 +322,7 @@ void QueryScripts::onVariables()
     QString text = s.doc.GetVariablesText();
     text.replace(QStringLiteral("~|~"), QStringLiteral("\t"));
     text.replace(QStringLiteral("~^~"), QStringLiteral("\r\n"));
-    SetBoxText(s.mo->txtVariables, MappingDocument::UnescapeXmlText(text));
+    SetBoxText(s.mo->txtVariables, MappingDocument::DisplayText(text));
     SwitchScriptView(false, false);
     s.mo->txtVariables->show();
     s.mo->lblPreCondition->setText(QStringLiteral("Variables / Includes "));

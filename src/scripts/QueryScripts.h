@@ -54,7 +54,6 @@ private:
     void onVariables();
     void onOk();
     void onCancel();
-    QString RunDocDialog(const QString& text, const QString& title);
 
     ControlState& s;
 };

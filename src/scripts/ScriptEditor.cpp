@@ -1,8 +1,14 @@
 #include "ScriptEditor.h"
 
+#include "document/TextCodec.h"
+
 #include <Qsci/qscilexercustom.h>
 
 #include <QFontDatabase>
+#include <QListWidget>
+#include <QScreen>
+
+#include <algorithm>
 #include <QKeyEvent>
 
 namespace fb {
@@ -10,8 +16,6 @@ namespace fb {
 namespace {
 
 enum Style { Default = 0, Keyword = 1, Reference = 2 };
-
-constexpr int kFieldList = 1; // the id of the list of field names
 
 // Characters of a field name as scripts write it (table.field), in bytes.
 bool isWordByte(char c)
@@ -133,14 +137,9 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
     setBraceMatching(SloppyBraceMatch);
     setCaretLineVisible(true);
     setCaretLineBackgroundColor(QColor(0xf3, 0xf6, 0xfb));
-    // Words of the text are offered on Ctrl+Space only: a list that pops up
-    // by itself would take Return and Tab from someone typing.
-    setAutoCompletionSource(AcsDocument);
-    setAutoCompletionThreshold(0);
-    connect(this, &QsciScintilla::userListActivated, this, [this](int id, const QString& chosen) {
-        if (id == kFieldList)
-            replaceWordBeforeCursor(chosen);
-    });
+    // Completion is offered on Ctrl+Space only: a list that pops up by
+    // itself would take Return and Tab from someone typing.
+    setAutoCompletionSource(AcsNone);
 }
 
 
@@ -184,23 +183,97 @@ void ScriptEditor::completeWord()
         if (w.startsWith(prefix, Qt::CaseInsensitive))
             matches.append(w);
     if (matches.isEmpty())
-        autoCompleteFromDocument();
-    else if (matches.size() == 1)
+        matches = wordsOfTheText(prefix);
+    if (matches.size() == 1)
         replaceWordBeforeCursor(matches.first());
-    else
-        showUserList(kFieldList, matches);
+    else if (!matches.isEmpty())
+        showCompletionList(matches);
+}
+
+QStringList ScriptEditor::wordsOfTheText(const QString& prefix) const
+{
+    QStringList words;
+    const QString text = plainText();
+    qsizetype i = 0;
+    while (i < text.size()) {
+        qsizetype j = i;
+        while (j < text.size() && text[j].unicode() < 0x80 && isWordByte(char(text[j].unicode())))
+            ++j;
+        const QString word = text.mid(i, j - i);
+        if (word.size() > prefix.size() && word.startsWith(prefix, Qt::CaseInsensitive))
+            words.append(word);
+        i = j + 1;
+    }
+    words.sort(Qt::CaseInsensitive);
+    words.removeDuplicates();
+    return words;
+}
+
+void ScriptEditor::showCompletionList(const QStringList& words)
+{
+    // A list of our own rather than the editor's: it is placed on the
+    // editor's screen even when the caret lies beyond the screen's edge.
+    auto* list = new QListWidget(this);
+    list->setObjectName(QStringLiteral("completionList"));
+    list->setWindowFlags(Qt::Popup);
+    list->setAttribute(Qt::WA_DeleteOnClose);
+    list->addItems(words);
+    list->setCurrentRow(0);
+    const auto accept = [this, list](QListWidgetItem* item) {
+        if (item)
+            replaceWordBeforeCursor(item->text());
+        list->close();
+    };
+    connect(list, &QListWidget::itemActivated, this, accept);
+    connect(list, &QListWidget::itemClicked, this, accept);
+
+    const long pos = SendScintilla(SCI_GETCURRENTPOS);
+    const QPoint caret(int(SendScintilla(SCI_POINTXFROMPOSITION, 0UL, pos)),
+                       int(SendScintilla(SCI_POINTYFROMPOSITION, 0UL, pos) + SendScintilla(SCI_TEXTHEIGHT, 0UL)));
+    const int rows = int(std::min<qsizetype>(words.size(), 10));
+    const QSize size(std::max(list->sizeHintForColumn(0) + 2 * list->frameWidth() + 24, 160),
+                     rows * list->sizeHintForRow(0) + 2 * list->frameWidth());
+    const QRect screen = this->screen()->availableGeometry();
+    QPoint at = viewport()->mapToGlobal(caret);
+    at.setX(std::clamp(at.x(), screen.left(), std::max(screen.left(), screen.right() - size.width())));
+    at.setY(std::clamp(at.y(), screen.top(), std::max(screen.top(), screen.bottom() - size.height())));
+    list->setGeometry(QRect(at, size));
+    list->show();
+    list->setFocus(Qt::PopupFocusReason);
+}
+
+QString ScriptEditor::plainText() const
+{
+    // The editor's own text() drops a leading U+FEFF; the bytes keep it.
+    const long length = SendScintilla(SCI_GETTEXTLENGTH);
+    QByteArray bytes(int(length) + 1, '\0');
+    SendScintilla(SCI_GETTEXT, static_cast<unsigned long>(length + 1), bytes.data());
+    bytes.truncate(int(length));
+    return Utf8Text(bytes);
 }
 
 void ScriptEditor::setPlainText(const QString& text)
 {
-    if (text == this->text())
+    if (text == plainText())
         return;
-    const bool locked = isReadOnly();
-    if (locked)
-        setReadOnly(false); // a locked editor still shows what the control puts in it
-    setText(text);
-    if (locked)
-        setReadOnly(true);
+    // A locked editor still shows what the control puts in it. Whoever
+    // reacts to the change may lock or unlock the editor while the text is
+    // being replaced; that takes effect once the whole text is in.
+    m_lockAfterReplace = isReadOnly();
+    m_replacing = true;
+    QsciScintilla::setReadOnly(false);
+    SendScintilla(SCI_SETTEXT, static_cast<unsigned long>(0), text.toUtf8().constData());
+    SendScintilla(SCI_EMPTYUNDOBUFFER);
+    m_replacing = false;
+    QsciScintilla::setReadOnly(m_lockAfterReplace);
+}
+
+void ScriptEditor::setReadOnly(bool locked)
+{
+    if (m_replacing)
+        m_lockAfterReplace = locked;
+    else
+        QsciScintilla::setReadOnly(locked);
 }
 
 bool ScriptEditor::handleModifiedTab(QKeyEvent* event)

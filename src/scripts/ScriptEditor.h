@@ -15,8 +15,9 @@ class ScriptEditor : public QsciScintilla {
 public:
     explicit ScriptEditor(QWidget* parent = nullptr);
 
-    QString plainText() const { return text(); }
+    QString plainText() const;
     void setPlainText(const QString& text);
+    void setReadOnly(bool locked) override;
 
     // Words offered on Ctrl+Space besides the words of the text itself: the
     // qualified source fields ("pqrst002.custno").
@@ -37,8 +38,13 @@ private:
     // The word before the cursor and where it starts.
     QString wordBeforeCursor(int* start) const;
     void replaceWordBeforeCursor(const QString& word);
+    // The words of the text that start with the prefix and are longer.
+    QStringList wordsOfTheText(const QString& prefix) const;
+    void showCompletionList(const QStringList& words);
 
     QStringList m_completionWords;
+    bool m_replacing = false;        // setPlainText is replacing the text
+    bool m_lockAfterReplace = false; // the lock to apply once it is in
 
     // Tab with a modifier: swallowed and reported; true when it was one.
     bool handleModifiedTab(QKeyEvent* event);

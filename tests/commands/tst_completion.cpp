@@ -4,7 +4,8 @@
 
 #include "WidgetHarness.h"
 
-#include <Qsci/qsciscintilla.h>
+#include <QListWidget>
+#include <QScreen>
 
 using namespace fbtest;
 
@@ -14,7 +15,7 @@ class CompletionTest : public HostTest {
     // Types the text at the end of the box, then asks for completion.
     void typeAndComplete(const QString& box, const QString& typed)
     {
-        auto* editor = host->find<QsciScintilla>(box);
+        QWidget* editor = host->find(box);
         clickInto(editor);
         QTest::keyClick(editor, Qt::Key_End, Qt::ControlModifier);
         QTest::keyClick(editor, Qt::Key_Return);
@@ -41,25 +42,47 @@ private Q_SLOTS:
         QTEST(host->text(box).section(u'\n', -1), "completed");
     }
 
-    // Three tables have a custno: the box keeps what was typed and a list
-    // of the three is offered.
+    static QListWidget* offeredList() { return qobject_cast<QListWidget*>(QApplication::activePopupWidget()); }
+
+    // Several fields match: the box keeps what was typed and a list of them
+    // is offered, on the editor's screen even where the caret lies beyond
+    // its edge (a window wider than the screen); Return takes the first.
+    void severalMatchesAreOffered_data()
+    {
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<int>("column");
+        QTest::newRow("precondition") << u"txtPreCondition"_s << 0;
+        QTest::newRow("precondition, caret beyond the screen") << u"txtPreCondition"_s << 130;
+        QTest::newRow("main query, caret beyond the screen") << u"txtMainQuery"_s << 130;
+    }
     void severalMatchesAreOffered()
     {
+        QFETCH(QString, box);
+        QFETCH(int, column);
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        host->window->resize(screen.width() + 400, 600);
         QVERIFY(host->openSample(u"klmno001.xml"_s));
-        typeAndComplete(u"txtPreCondition"_s, u"y = "_s);
-        auto* editor = host->find<QsciScintilla>(u"txtPreCondition"_s);
-        QVERIFY(editor->isListActive());
-        QCOMPARE(host->text(u"txtPreCondition"_s).section(u'\n', -1), u"y = "_s);
+        const QString typed = QString(column, u' ') + u"y = "_s;
+        typeAndComplete(box, typed);
+        QListWidget* list = offeredList();
+        QVERIFY(list);
+        QVERIFY(list->count() > 1);
+        QVERIFY(screen.contains(list->geometry()));
+        QCOMPARE(host->text(box).section(u'\n', -1), typed);
+        const QString first = list->item(0)->text();
+        QTest::keyClick(list, Qt::Key_Return);
+        QTRY_VERIFY(!offeredList());
+        QCOMPARE(host->text(box).section(u'\n', -1), typed + first);
     }
 
     void aLockedBoxIsLeftAlone()
     {
         QVERIFY(host->openSample(u"klmno001.xml"_s, false));
         const QString before = host->text(u"txtPreCondition"_s);
-        auto* editor = host->find<QsciScintilla>(u"txtPreCondition"_s);
+        QWidget* editor = host->find(u"txtPreCondition"_s);
         clickInto(editor);
         QTest::keyClick(editor, Qt::Key_Space, Qt::ControlModifier);
-        QVERIFY(!editor->isListActive());
+        QVERIFY(!offeredList());
         QCOMPARE(host->text(u"txtPreCondition"_s), before);
     }
 };

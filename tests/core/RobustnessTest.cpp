@@ -168,27 +168,44 @@ INSTANTIATE_TEST_SUITE_P(Rows, MarkupBeforeRoot,
 
 // ---- size ----------------------------------------------------------------------------
 
-TEST(Large, HundredThousandNestedElements)
+// Removing or replacing a subtree walks it recursively, so a document
+// nested deeper than the limit is refused as not well-formed; up to the limit
+// it loads, and every section of it can be removed and written.
+struct NestingRow : fb::test::Row {
+    int depth;
+    bool loads;
+};
+
+class Nesting : public ::testing::TestWithParam<NestingRow> {};
+
+TEST_P(Nesting, DeeperThanTheLimitIsRefusedWholeAndShallowerLoads)
 {
-    constexpr int kDepth = 100000;
-    QString xml = QStringLiteral("<klmno001>");
-    xml.reserve(kDepth * 7 + 40);
-    for (int i = 0; i < kDepth; ++i)
-        xml += QStringLiteral("<a>");
-    xml += u'x';
-    for (int i = 0; i < kDepth; ++i)
-        xml += QStringLiteral("</a>");
-    xml += QStringLiteral("</klmno001>");
-    {
-        MappingDocument doc;
-        Load(doc, xml, kTable);
-        EXPECT_EQ(doc.GetNodeText(QStringLiteral("/klmno001")), QStringLiteral("x"));
-        EXPECT_EQ(doc.GetNodeText(QStringLiteral("/klmno001/a/a/a")), QStringLiteral("x"));
-        EXPECT_EQ(doc.GetPreconditionText(), QString());
-        EXPECT_EQ(doc.Serialize(), xml);
-        EXPECT_TRUE(doc.SetFunctionsText(QStringLiteral("f")));
-    } // and the document is destroyed
+    const int depth = GetParam().depth;
+    QString nested;
+    nested.reserve(depth * 7 + 1);
+    for (int i = 0; i < depth; ++i)
+        nested += QStringLiteral("<a>");
+    nested += u'x';
+    for (int i = 0; i < depth; ++i)
+        nested += QStringLiteral("</a>");
+    // Inside an unreferenced dump: the first read of the document removes it.
+    const QString xml = QStringLiteral("<klmno001><PREC>none</PREC><DUMP No=\"5\">") + nested +
+                        QStringLiteral("</DUMP></klmno001>");
+    MappingDocument doc;
+    doc.SetTableName(kTable);
+    fb::test::RecordingInteraction ui;
+    ScriptScanner scanner(doc, ui);
+    EXPECT_EQ(doc.LoadXml(xml), GetParam().loads);
+    EXPECT_EQ(doc.LastError().code, GetParam().loads ? 0 : 1);
+    scanner.PruneSections();
+    EXPECT_EQ(doc.Serialize(), GetParam().loads ? QStringLiteral("<klmno001><PREC>none</PREC></klmno001>") : QString());
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, Nesting,
+                         ::testing::Values(NestingRow{{"AtTheLimit"}, 998, true},
+                                           NestingRow{{"OneBeyond"}, 999, false},
+                                           NestingRow{{"TwoHundredThousand"}, 200000, false}),
+                         RowName());
 
 TEST(Large, FiftyMegabyteDocument)
 {
@@ -266,7 +283,9 @@ INSTANTIATE_TEST_SUITE_P(
                       ScriptRow{"arabic", QStringLiteral("اسم العميل باللغة العربية")},
                       ScriptRow{"cjk", QStringLiteral("客户名称 顧客名 고객 이름")},
                       ScriptRow{"outside_basic_plane", QStringLiteral("📦 Lieferung 🚚 𝄞 𠜎")},
-                      ScriptRow{"mixed_with_markup_characters", QStringLiteral("a < ü & \"ж\" > 中")}),
+                      ScriptRow{"mixed_with_markup_characters", QStringLiteral("a < ü & \"ж\" > 中")},
+                      ScriptRow{"leading_feff", QStringLiteral("\uFEFF\uFEFFstarts with two U+FEFF")},
+                      ScriptRow{"only_feff", QStringLiteral("\uFEFF")}),
     RowName());
 
 TEST(RoundTrip, MultiLineAttributeValueSurvives)

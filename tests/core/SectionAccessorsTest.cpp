@@ -129,16 +129,66 @@ TEST(SaveQueryText, ReplacesTheMatchingQueryOnly)
                                               "<QUERY ST=\"abcde004\">three</QUERY></klmno001>"));
 }
 
-TEST(SaveQueryText, SourceWithApostropheFailsAndKeepsTheError)
+// The lookup of a table name with an apostrophe fails, so its query is never
+// found by expression; saving it again must still replace the element it
+// saved before instead of adding one per save.
+TEST(SaveQueryText, SourceWithApostropheFailsTheLookupButSavesInPlace)
 {
     MappingDocument doc;
     Load(doc, QStringLiteral("<klmno001/>"), kTable);
-    // The lookup fails, so the query cannot be found; whatever happens next,
-    // the first failure kept is the lookup's.
-    doc.SaveQueryText(QStringLiteral("o'brien1"), QStringLiteral("q"));
+    for (const QString& text : {QStringLiteral("q1"), QStringLiteral("q2"), QStringLiteral("q3")})
+        EXPECT_TRUE(doc.SaveQueryText(QStringLiteral("ab'cd001"), text));
     EXPECT_EQ(doc.LastError().code, 2001);
     EXPECT_EQ(doc.LastError().text, QStringLiteral("Error Getting Node (GetNode)"));
+    EXPECT_EQ(doc.GetQueryText(QStringLiteral("ab'cd001")), QString()) << "the lookup rule stays";
+    EXPECT_EQ(doc.Serialize(), QStringLiteral("<klmno001><QUERY ST=\"ab'cd001\">q3</QUERY></klmno001>"));
 }
+
+// ---- rule elements ---------------------------------------------------------------
+
+// One writer for every rule element: whoever created it, an element that
+// holds a rule carries its field's No, and TYPE follows the text as stored.
+struct RuleRow : fb::test::Row {
+    QString dumpBefore; // children of DUMP 1 before the write
+    QString rule;
+    QString dumpAfter;
+};
+
+class WriteRuleElement : public ::testing::TestWithParam<RuleRow> {};
+
+TEST_P(WriteRuleElement, CarriesTheFieldsNoAndTypeOfTheStoredText)
+{
+    const RuleRow& row = GetParam();
+    MappingDocument doc;
+    Load(doc,
+         QStringLiteral("<klmno001><DUMP No=\"1\">") + row.dumpBefore +
+             QStringLiteral("</DUMP><TARTAB><KLMNO001><NAME No=\"4\"/></KLMNO001></TARTAB></klmno001>"),
+         kTable);
+    const Node field = doc.GetTargetTableDefinition(kTable).firstChildElement();
+    doc.WriteRuleElement(doc.GetDumpNode(1), field, row.rule);
+    const QString xml = doc.Serialize();
+    const qsizetype from = xml.indexOf(QStringLiteral("<DUMP No=\"1\">")) + 13;
+    EXPECT_EQ(xml.mid(from, xml.indexOf(QStringLiteral("</DUMP>")) - from), row.dumpAfter);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, WriteRuleElement,
+    ::testing::Values(
+        RuleRow{{"New"}, QString(), QStringLiteral("a.name"),
+                QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"0\">a.name</NAME>")},
+        RuleRow{{"HostsTextNumberElementGetsTheNo"}, QStringLiteral("<NAME TEXT=\"7\"/>"), QStringLiteral("a.name"),
+                QStringLiteral("<NAME TEXT=\"7\" No=\"4\" TYPE=\"0\">a.name</NAME>")},
+        RuleRow{{"StaleNoIsCorrected"}, QStringLiteral("<NAME No=\"9\" TEXT=\"\" TYPE=\"1\">x</NAME>"),
+                QStringLiteral("y"), QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"0\">y</NAME>")},
+        RuleRow{{"CrLfIsOneLineBreak"}, QString(), QStringLiteral("a\r\nb"),
+                QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"1\">a\nb</NAME>")},
+        RuleRow{{"LoneCrIsStoredAsALineBreak"}, QString(), QStringLiteral("a\rb"),
+                QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"1\">a\nb</NAME>")},
+        RuleRow{{"LoneLf"}, QString(), QStringLiteral("a\nb"),
+                QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"1\">a\nb</NAME>")},
+        RuleRow{{"OnlyFeff"}, QString(), QStringLiteral("\uFEFF"),
+                QStringLiteral("<NAME No=\"4\" TEXT=\"\" TYPE=\"0\">\uFEFF</NAME>")}),
+    RowName());
 
 // ---- dumps -----------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
@@ -67,14 +68,93 @@ TEST_F(TempFolderEnv, PrivateFolderUnderTheSystemTemporaryFolder)
     EXPECT_EQ(fb::TempFolder(), folder) << "the same folder every time";
 }
 
-TEST_F(TempFolderEnv, ExistingOpenFolderOfOurOwnIsClosed)
+// A folder of ours that was ever open to others may hold what was planted in
+// it meanwhile: it is left alone, and a fresh private folder serves instead.
+TEST_F(TempFolderEnv, OpenFolderOfOurOwnIsNotTrusted)
 {
     const QString first = fb::TempFolder();
-    ASSERT_EQ(::chmod(QFile::encodeName(first).constData(), 0755), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(first).constData(), 0777), 0);
+    ASSERT_TRUE(QFile::link(QStringLiteral("/etc/hostname"), first + QStringLiteral("klmno001.xml")));
     const QString again = fb::TempFolder();
-    EXPECT_EQ(again, first);
+    EXPECT_NE(again, first);
     EXPECT_EQ(modeOf(again), 0700);
+    EXPECT_EQ(modeOf(first), 0777) << "left as it was found";
+    EXPECT_TRUE(fb::WriteTextFile(again + QStringLiteral("klmno001.xml"), QStringLiteral("<x/>")));
 }
+
+// Whatever the table name, its files lie directly in the temporary folder; a
+// name that can be a plain file name keeps its form, blanks included.
+struct NameRow : fb::test::Row {
+    QString table;
+    QString fileName;
+};
+
+class TableNames : public TempFolderEnv, public ::testing::WithParamInterface<NameRow> {};
+
+TEST_P(TableNames, FilesStayDirectlyInTheTemporaryFolder)
+{
+    const NameRow& row = GetParam();
+    EXPECT_EQ(fb::TableFileName(row.table), row.fileName);
+    for (const QString& suffix : {QStringLiteral(".xml"), QStringLiteral("Pre.qbx")}) {
+        const QString path = fb::TempFilePath(row.table, suffix);
+        ASSERT_TRUE(fb::WriteTextFile(path, QStringLiteral("t")));
+        EXPECT_EQ(QFileInfo(path).absolutePath() + u'/', fb::TempFolder());
+        EXPECT_EQ(QDir(fb::TempFolder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                  QStringList{row.fileName + suffix});
+        QFile::remove(path);
+    }
+    EXPECT_EQ(QDir(scratch.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1)
+        << "nothing beside the temporary folder";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, TableNames,
+    ::testing::Values(NameRow{{"Plain"}, QStringLiteral("klmno001"), QStringLiteral("klmno001")},
+                      NameRow{{"ShortKeepsItsBlanks"}, QStringLiteral("abc     "), QStringLiteral("abc     ")},
+                      NameRow{{"DotsAlone"}, QStringLiteral("..      "), QStringLiteral("..      ")},
+                      NameRow{{"TwoFoldersUp"}, QStringLiteral("../../x "), QStringLiteral("..%2F..%2Fx ")},
+                      NameRow{{"FoldersOutside"}, QStringLiteral("../a/b/c"), QStringLiteral("..%2Fa%2Fb%2Fc")},
+                      NameRow{{"SubFolder"}, QStringLiteral("a/b     "), QStringLiteral("a%2Fb     ")},
+                      NameRow{{"Absolute"}, QStringLiteral("/etc/x  "), QStringLiteral("%2Fetc%2Fx  ")},
+                      NameRow{{"ControlCharacters"}, QStringLiteral("a\nb\tc\x7F  "),
+                              QStringLiteral("a%0Ab%09c%7F  ")},
+                      NameRow{{"Unicode"}, QStringLiteral("käse\u00e9  "), QStringLiteral("käse\u00e9  ")}),
+    RowName());
+
+// A link planted at a file's path is replaced by the file, never written
+// through, whether it points to an existing file or to a missing one; and a
+// link is never read as the file.
+struct LinkRow : fb::test::Row {
+    bool targetExists;
+};
+
+class PlantedLinks : public TempFolderEnv, public ::testing::WithParamInterface<LinkRow> {};
+
+TEST_P(PlantedLinks, AreReplacedNeverFollowed)
+{
+    const QString victim = scratch.path() + QStringLiteral("/victim");
+    if (GetParam().targetExists) {
+        ASSERT_TRUE(fb::WriteTextFile(victim, QStringLiteral("precious")));
+    }
+    const QString path = fb::TempFilePath(QStringLiteral("klmno001"), QStringLiteral(".xml"));
+    ASSERT_TRUE(QFile::link(victim, path));
+    bool ok = true;
+    EXPECT_EQ(fb::ReadTextFile(path, &ok), QString());
+    EXPECT_FALSE(ok) << "a link is not read as the file";
+
+    ASSERT_TRUE(fb::WriteTextFile(path, QStringLiteral("<klmno001/>")));
+    EXPECT_FALSE(QFileInfo(path).isSymLink());
+    EXPECT_EQ(fb::ReadTextFile(path, &ok), QStringLiteral("<klmno001/>"));
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(QFileInfo::exists(victim), GetParam().targetExists);
+    if (GetParam().targetExists) {
+        EXPECT_EQ(fb::ReadTextFile(victim), QStringLiteral("precious"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, PlantedLinks,
+                         ::testing::Values(LinkRow{{"ToAnExistingFile"}, true}, LinkRow{{"ToAMissingFile"}, false}),
+                         RowName());
 
 TEST_F(TempFolderEnv, ConfiguredFolderIsUsedAndCreatedOnWrite)
 {
@@ -125,6 +205,7 @@ INSTANTIATE_TEST_SUITE_P(
         FileRow{"script_with_crlf", QStringLiteral("klmno001Rule.qbx"), QStringLiteral("line 1\r\nline 2\r\n")},
         FileRow{"non_latin", QStringLiteral("klmno001MQ.qbx"),
                 QStringLiteral("Ελληνικά Кириллица العربية 中文 한국어 📦𝄞")},
+        FileRow{"leading_feff_is_a_character", QStringLiteral("klmno001var.qbx"), QStringLiteral("\uFEFFrule")},
         FileRow{"empty", QStringLiteral("klmno001Pre.qbx"), QString()}),
     RowName());
 

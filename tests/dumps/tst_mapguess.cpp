@@ -178,10 +178,11 @@ private Q_SLOTS:
         clickCheckBox(host->sourceFields(), 1);
         clickMap();
         QCOMPARE(host->rule(1), u"srcaa001.name"_s);
-        // NAME has no element yet: the host's text number creates one with TEXT only.
+        // NAME has no element yet: the host's text number creates one with
+        // TEXT only; the store that fills it gives it the field's No.
         host->setRuleTextNumber(1, u"name"_s, 7);
         const XmlElement name = host->document().dump(1).child(u"NAME"_s);
-        QVERIFY(!name.hasAttribute(u"No"_s));
+        QCOMPARE(name.attribute(u"No"_s), u"2"_s);
         QCOMPARE(name.attribute(u"TEXT"_s), u"7"_s);
         QCOMPARE(name.text, u"srcaa001.name"_s); // stored by the read
         QCOMPARE(name.attribute(u"TYPE"_s), u"0"_s);
