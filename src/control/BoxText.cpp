@@ -1,5 +1,7 @@
 #include "BoxText.h"
 
+#include <QPlainTextEdit>
+#include <QTextDocument>
 #include <QVariant>
 #include <QWidget>
 
@@ -27,6 +29,13 @@ QString FromEditorText(const QString& text)
 
 QString BoxText(const QWidget* box)
 {
+    if (const auto* edit = qobject_cast<const QPlainTextEdit*>(box)) {
+        // toPlainText() turns no-break spaces into blanks; the raw text keeps
+        // every character and separates paragraphs with U+2029.
+        QString text = edit->document()->toRawText();
+        text.replace(QChar::ParagraphSeparator, u'\n');
+        return FromEditorText(text);
+    }
     return box ? FromEditorText(box->property("plainText").toString()) : QString();
 }
 

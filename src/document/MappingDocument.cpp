@@ -86,6 +86,22 @@ bool hasRepeatedAttribute(const pugi::xml_document& doc)
     return false;
 }
 
+void normaliseTextLineEnds(pugi::xml_document& doc)
+{
+    for (pugi::xml_node cur = doc.first_child(); cur;) {
+        if (cur.type() == pugi::node_pcdata && std::strchr(cur.value(), '\r'))
+            cur.set_value(utf8(parsedLineEnds(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))))).c_str());
+        if (cur.first_child()) {
+            cur = cur.first_child();
+            continue;
+        }
+        while (cur && !cur.next_sibling())
+            cur = cur.parent();
+        if (cur)
+            cur = cur.next_sibling();
+    }
+}
+
 bool isXmlChar(char32_t c)
 {
     return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
@@ -445,6 +461,12 @@ bool MappingDocument::LoadXml(const QString& text)
         }
         ok = ok && elements == 1 && !hasRepeatedAttribute(d->doc);
     }
+    // Only a character reference can leave a CR in element text (the parser
+    // turns literal ones into LF). The serialiser would write it as it is,
+    // and the next parse would turn it into LF after all; doing that now
+    // keeps every later read the same.
+    if (ok && text.contains(QStringLiteral("&#")))
+        normaliseTextLineEnds(d->doc);
     if (!ok) {
         d->doc.reset();
         RecordError(kErrInvalidXml, QString::fromUtf16(kInvalidXmlText), 0, QString());

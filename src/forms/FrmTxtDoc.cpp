@@ -71,7 +71,7 @@ void FrmTxtDoc::onOk()
 {
     m_byButton = true;
     if (m_values.DocTextMode)
-        m_values.DocText = FromEditorText(m_txtDoc->toPlainText());
+        m_values.DocText = BoxText(m_txtDoc);
     else
         m_values.ChosenTable = m_cmbTargetTable->currentText();
     accept();
@@ -92,7 +92,7 @@ void FrmTxtDoc::reject()
 void FrmTxtDoc::closeEvent(QCloseEvent* event)
 {
     if (!m_byButton && m_values.DocTextMode && m_values.DocTextEditable && m_changed) {
-        const QString text = FromEditorText(m_txtDoc->toPlainText());
+        const QString text = BoxText(m_txtDoc);
         if (text != m_values.DocText) {
             QMessageBox box(QMessageBox::NoIcon, QString(), QStringLiteral("Save Changes Done ?"),
                             QMessageBox::Yes | QMessageBox::No, this);

@@ -108,7 +108,7 @@ QStringList XmlElement::attributeValues(const QString& childName, const QString&
 }
 
 namespace {
-XmlElement readElement(QXmlStreamReader& reader)
+XmlElement readElement(QXmlStreamReader& reader, bool exact)
 {
     XmlElement e;
     e.name = reader.name().toString();
@@ -117,12 +117,14 @@ XmlElement readElement(QXmlStreamReader& reader)
     while (!reader.atEnd()) {
         reader.readNext();
         if (reader.isStartElement())
-            e.children.append(readElement(reader));
+            e.children.append(readElement(reader, exact));
         else if (reader.isCharacters())
             e.text += reader.text();
         else if (reader.isEndElement())
             break;
     }
+    if (exact)
+        return e;
     // Whitespace between child elements is layout, not text.
     if (!e.children.isEmpty() && e.text.trimmed().isEmpty())
         e.text.clear();
@@ -131,14 +133,14 @@ XmlElement readElement(QXmlStreamReader& reader)
 }
 } // namespace
 
-XmlElement parseXml(const QString& text)
+XmlElement parseXml(const QString& text, bool exact)
 {
     QXmlStreamReader reader(text);
     XmlElement root;
     while (!reader.atEnd()) {
         reader.readNext();
         if (reader.isStartElement()) {
-            root = readElement(reader);
+            root = readElement(reader, exact);
             break;
         }
     }

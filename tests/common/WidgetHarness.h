@@ -63,7 +63,9 @@ struct XmlElement {
 };
 
 // The root element; a null element when the text is not well-formed.
-XmlElement parseXml(const QString& text);
+// Exactly: every text as the document holds it (CR from a reference kept,
+// layout between elements kept); otherwise with "\n" line breaks.
+XmlElement parseXml(const QString& text, bool exact = false);
 
 // ---------------------------------------------------------------------------
 // Modal boxes
