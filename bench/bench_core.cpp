@@ -1,10 +1,10 @@
 // Benchmarks of the pure core on large generated mapping objects.
 #include "MappingGenerator.h"
-#include "dictionary/core/FieldRules.h"
-#include "document/Interaction.h"
-#include "document/MappingDocument.h"
-#include "rules/core/RuleGuess.h"
-#include "scripts/core/ScriptScanner.h"
+#include "core/dictionary/FieldRules.h"
+#include "core/document/Interaction.h"
+#include "core/document/MappingDocument.h"
+#include "core/rules/RuleGuess.h"
+#include "core/scripts/ScriptScanner.h"
 
 #include <benchmark/benchmark.h>
 

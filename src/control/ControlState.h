@@ -1,9 +1,9 @@
 #pragma once
 
 #include "QtInteraction.h"
-#include "document/MappingDocument.h"
+#include "core/document/MappingDocument.h"
 #include "forms/Module1.h"
-#include "scripts/core/ScriptScanner.h"
+#include "core/scripts/ScriptScanner.h"
 
 #include "ctlFieldbridge.h"
 

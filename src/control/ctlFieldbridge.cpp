@@ -5,8 +5,8 @@
 #include "Widgets.h"
 #include "ctlFieldbridge_p.h"
 #include "dictionary/FieldListModel.h"
-#include "document/TextFile.h"
-#include "document/VbText.h"
+#include "core/document/TextFile.h"
+#include "core/document/TextRules.h"
 #include "rules/DefineDumpsPage.h"
 #include "rules/RulesGridModel.h"
 #include "scripts/MappingObjectPage.h"
@@ -175,7 +175,7 @@ void ctlFieldbridgePrivate::TabChanged(int index)
     dumps.BindUnboundDumps();
     QComboBox* cmb = s.dd->CmbDump;
     if (cmb->count() > 0) {
-        const int keep = tag.isEmpty() ? -1 : cmb->findData(vb::ToInteger(tag).value_or(0));
+        const int keep = tag.isEmpty() ? -1 : cmb->findData(str::ToInteger(tag).value_or(0));
         cmb->setCurrentIndex(keep >= 0 ? keep : 0);
         dumps.ShowDump(qint16(cmb->currentData().toInt()));
     }
@@ -186,7 +186,7 @@ QString ctlFieldbridgePrivate::ReadMappingObject()
 {
     scripts.StorePrecondition();
     scripts.StoreMainQuery();
-    if (s.dd->CmbDump->currentIndex() >= 0 && vb::IsNumeric(s.dd->CmbDump->currentData().toString()))
+    if (s.dd->CmbDump->currentIndex() >= 0 && str::IsNumeric(s.dd->CmbDump->currentData().toString()))
         dumps.StoreDumpRules(s.dd->CmbDump->currentData().toString());
     s.scanner.PruneSections();
     const QString text = s.doc.Serialize();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dictionary/core/FieldRules.h"
+#include "core/dictionary/FieldRules.h"
 
 #include <QAbstractTableModel>
 #include <QList>

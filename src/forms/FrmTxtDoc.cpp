@@ -2,7 +2,7 @@
 
 #include "control/BoxText.h"
 #include "control/Twips.h"
-#include "document/VbText.h"
+#include "core/document/TextRules.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -56,7 +56,7 @@ FrmTxtDoc::FrmTxtDoc(const Module1& module, QWidget* parent)
         m_cmbTargetTable->setGeometry(px(1440), py(150), px(2700), py(315));
         m_cmdOk->setGeometry(px(840), py(600), buttonW, buttonH);
         m_cmdCancel->setGeometry(px(2040), py(600), buttonW, buttonH);
-        setWindowTitle(QStringLiteral("Choose Target for Dump No: ") + vb::SignPadded(module.DialogDumpNumber));
+        setWindowTitle(QStringLiteral("Choose Target for Dump No: ") + str::SignPadded(module.DialogDumpNumber));
         const QStringList pieces = module.TableList.split(u';');
         for (qsizetype i = 0; i + 1 < pieces.size(); ++i)
             m_cmbTargetTable->addItem(pieces[i]);

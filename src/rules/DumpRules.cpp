@@ -5,9 +5,9 @@
 #include "control/BoxText.h"
 #include "control/ControlState.h"
 #include "dictionary/FieldListModel.h"
-#include "document/VbText.h"
+#include "core/document/TextRules.h"
 #include "forms/FrmTxtDoc.h"
-#include "rules/core/RuleGuess.h"
+#include "core/rules/RuleGuess.h"
 #include "control/Twips.h"
 #include "scripts/ExternalEditor.h"
 #include "scripts/MappingObjectPage.h"
@@ -105,7 +105,7 @@ void DumpRules::FillDumpSelector()
     if (refs.isEmpty())
         return;
     for (qsizetype i = 0; i < refs.numbers.size(); ++i)
-        cmb->addItem(vb::TwoDigits(refs.numbers[i]) + QStringLiteral("--") + refs.texts[i], int(refs.numbers[i]));
+        cmb->addItem(str::TwoDigits(refs.numbers[i]) + QStringLiteral("--") + refs.texts[i], int(refs.numbers[i]));
 }
 
 void DumpRules::FillTargetTableSelector()
@@ -118,7 +118,7 @@ void DumpRules::StoreDumpRules(const QString& dumpNumber)
 {
     if (dumpNumber.isEmpty() || dumpNumber == u"0")
         return;
-    const auto number = vb::ToInteger(dumpNumber);
+    const auto number = str::ToInteger(dumpNumber);
     if (!number)
         return;
     Node dump = s.doc.GetDumpNode(*number);
@@ -143,7 +143,7 @@ void DumpRules::StoreDumpRules(const QString& dumpNumber)
     const Node table = s.doc.GetTargetTableNode(*number);
     for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement()) {
         const QString no = f.attribute(QStringLiteral("No"));
-        const auto fieldNo = vb::ToInteger(no);
+        const auto fieldNo = str::ToInteger(no);
         if (!fieldNo)
             continue;
         const int r = *fieldNo - 1;
@@ -165,11 +165,11 @@ void DumpRules::LoadDumpRules(qint16 number)
         SelectDumpTargetTable(number);
     const Node dump = s.doc.GetDumpNode(number);
     if (!dump) {
-        m_tag = vb::TwoDigits(number);
+        m_tag = str::TwoDigits(number);
         return;
     }
     for (Node c = dump.firstChildElement(); c; c = c.nextSiblingElement()) {
-        const auto no = vb::ToInteger(c.attribute(QStringLiteral("No")));
+        const auto no = str::ToInteger(c.attribute(QStringLiteral("No")));
         if (!no)
             continue;
         const int r = *no - 1;
@@ -182,7 +182,7 @@ void DumpRules::LoadDumpRules(qint16 number)
     if (cmb->currentIndex() < 0 && cmb->count() > 0)
         cmb->setCurrentIndex(0);
     const int selected = cmb->currentIndex() >= 0 ? cmb->currentData().toInt() : 0;
-    const auto key = vb::ToInteger(cmb->currentText().section(QStringLiteral("--"), 0, 0));
+    const auto key = str::ToInteger(cmb->currentText().section(QStringLiteral("--"), 0, 0));
     const QString text = s.doc.KnownDumps().value(key.value_or(0));
     const QString caption = kDetailsCaption + QString::number(selected) + u':' + text;
     s.dd->Details->setTitle(caption);
@@ -220,7 +220,7 @@ void DumpRules::SelectDumpTargetTable(qint16 number)
 void DumpRules::RefreshTargetFields()
 {
     ShowTargetFields();
-    SelectDumpTargetTable(vb::ToInteger(m_tag).value_or(0));
+    SelectDumpTargetTable(str::ToInteger(m_tag).value_or(0));
 }
 
 QString DumpRules::TableListOfSelector() const
@@ -268,7 +268,7 @@ qint16 DumpRules::DetailsDumpNumber() const
     const QStringList pieces = s.dd->Details->title().split(u':');
     if (pieces.size() < 2)
         return 0;
-    return vb::ToInteger(pieces[1]).value_or(0);
+    return str::ToInteger(pieces[1]).value_or(0);
 }
 
 qint16 DumpRules::SelectedDumpNumber() const
@@ -311,7 +311,7 @@ void DumpRules::DumpSelectorLostFocus()
     if (index < 0)
         return;
     const QString selected = QString::number(s.dd->CmbDump->itemData(index).toInt());
-    if (vb::Trim(pieces[1]) != selected) {
+    if (str::Trim(pieces[1]) != selected) {
         m_tag = selected;
         ShowDump(qint16(selected.toInt()));
     }
@@ -341,7 +341,7 @@ void DumpRules::LayoutGrid(const Node& table)
     m_syncFieldList = false;
     s.dd->rules->setRows(names);
     m_syncFieldList = true;
-    s.dd->CmbDump->setToolTip(s.doc.KnownDumps().value(vb::ToInteger(m_tag).value_or(0)));
+    s.dd->CmbDump->setToolTip(s.doc.KnownDumps().value(str::ToInteger(m_tag).value_or(0)));
 }
 
 int DumpRules::GetRowNumber(const QString& fieldName) const
@@ -644,8 +644,8 @@ void DumpRules::CopyDump()
     if (answer.isEmpty())
         return;
     // A number that is not a 16-bit whole number is as invalid as a word.
-    const auto source = vb::ToInteger(answer);
-    if (!vb::IsNumeric(answer) || !source) {
+    const auto source = str::ToInteger(answer);
+    if (!str::IsNumeric(answer) || !source) {
         s.ui.MsgBox(QStringLiteral("Invalid Dump Number!"), MsgButtons::Ok, MsgIcon::Critical,
                     QStringLiteral("Copying Dumps"));
         return;
@@ -678,8 +678,8 @@ void DumpRules::CopyDump()
                     QStringLiteral("Copying Dumps .."));
         return;
     }
-    const QString confirm = QStringLiteral("Press 'OK' To Copy Dump ") + vb::SignPadded(*source) +
-                            QStringLiteral(" To Dump : ") + vb::SignPadded(target);
+    const QString confirm = QStringLiteral("Press 'OK' To Copy Dump ") + str::SignPadded(*source) +
+                            QStringLiteral(" To Dump : ") + str::SignPadded(target);
     if (s.ui.MsgBox(confirm, MsgButtons::OkCancel, MsgIcon::Information, QStringLiteral("Copy Dumps")) !=
         MsgAnswer::Ok)
         return;
@@ -719,7 +719,7 @@ void DumpRules::ChangeTargetTable()
     const QString chosen = *answer;
     if (present.toUpper() != chosen.toUpper()) {
         if (DumpHasRules(number)) {
-            const QString n = vb::SignPadded(number);
+            const QString n = str::SignPadded(number);
             const QString question = QStringLiteral("You are changing the association of dump") + n +
                                      QStringLiteral(" from table : ") + present + QStringLiteral(" to ") + chosen +
                                      QStringLiteral("\r\nYou lose the maintained rules of dump") + n +
@@ -743,7 +743,7 @@ Node DumpRules::CurrentRuleElement(QString* fieldLabel)
     if (s.dd->CmbDump->currentText().isEmpty())
         return Node();
     const Node dump = s.doc.GetNode(s.doc.SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"),
-                                    QString::number(vb::ToInteger(m_tag).value_or(0)));
+                                    QString::number(str::ToInteger(m_tag).value_or(0)));
     if (!dump)
         return Node();
     const QModelIndex current = s.dd->RulesGrid->currentIndex();
@@ -767,7 +767,7 @@ void DumpRules::DumpText()
     if (s.dd->CmbDump->currentText().isEmpty())
         return;
     if (!s.doc.GetNode(s.doc.SectionPath(QStringLiteral("DUMP")), QStringLiteral("No"),
-                       QString::number(vb::ToInteger(m_tag).value_or(0))))
+                       QString::number(str::ToInteger(m_tag).value_or(0))))
         return;
     QString label;
     const Node rule = CurrentRuleElement(&label);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/Node.h"
+#include "core/document/Node.h"
 
 #include <QString>
 #include <Qt>

@@ -2,8 +2,8 @@
 
 #include "control/BoxText.h"
 #include "control/ControlState.h"
-#include "document/TextFile.h"
-#include "document/VbText.h"
+#include "core/document/TextFile.h"
+#include "core/document/TextRules.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -39,7 +39,7 @@ qint16 OpenInEditor(ControlState& s, const QString& path)
     // blanks in it (a short table name) cannot split it.
     QStringList arguments;
     QString program;
-    if (vb::Trim(s.editorPath).isEmpty()) {
+    if (str::Trim(s.editorPath).isEmpty()) {
         program = DefaultEditor();
     } else {
         arguments = QProcess::splitCommand(s.editorPath);

@@ -5,8 +5,8 @@
 #include "ScriptEditor.h"
 #include "control/BoxText.h"
 #include "control/ControlState.h"
-#include "dictionary/core/FieldRules.h"
-#include "document/VbText.h"
+#include "core/dictionary/FieldRules.h"
+#include "core/document/TextRules.h"
 #include "forms/FrmTxtDoc.h"
 #include "rules/DefineDumpsPage.h"
 
@@ -70,7 +70,7 @@ void QueryScripts::ClearSourceTableList()
 void QueryScripts::RefreshSourceTableList()
 {
     QStandardItemModel* model = s.mo->sourceTablesModel;
-    QStringList pieces = vb::Split(s.doc.GetSourceTablesText(), u',');
+    QStringList pieces = str::Split(s.doc.GetSourceTablesText(), u',');
     for (QString& p : pieces) {
         p.remove(u'\n');
         p.remove(u'\r');
@@ -84,7 +84,7 @@ void QueryScripts::RefreshSourceTableList()
         for (int r = 0; r < model->rowCount(); ++r)
             present.insert(model->item(r)->text());
         for (const QString& p : pieces) {
-            if (!present.contains(p) && !vb::Trim(p).isEmpty()) {
+            if (!present.contains(p) && !str::Trim(p).isEmpty()) {
                 model->appendRow(new QStandardItem(p));
                 present.insert(p);
             }
@@ -133,9 +133,9 @@ void QueryScripts::ReconcileSourceTables()
     s.doc.MigrateTables() = QStringList{QString()};
     s.scanner.ParseMigrateTables(s.doc.GetPreconditionText());
     bool verdict = true;
-    const QStringList sources = vb::Split(s.doc.GetSourceTablesText(), u',');
+    const QStringList sources = str::Split(s.doc.GetSourceTablesText(), u',');
     const QStringList migrate = s.doc.MigrateTables();
-    if (vb::Trim(migrate.first()).isEmpty()) {
+    if (str::Trim(migrate.first()).isEmpty()) {
         ShowMigrateQuery(QString());
         FillMigrateSourceList();
         return;
@@ -211,8 +211,8 @@ void QueryScripts::MigrateSourceClicked(const QModelIndex& index)
         return;
     if (!s.mainQueryTable.isEmpty())
         s.doc.SaveQueryText(s.mainQueryTable, BoxText(s.mo->txtMainQuery));
-    const int at = vb::InStrText(row, QStringLiteral("migrate "));
-    const QString table = vb::Trim(vb::Mid(row, at + 8));
+    const int at = str::InStrText(row, QStringLiteral("migrate "));
+    const QString table = str::Trim(str::Mid(row, at + 8));
     SetBoxText(s.mo->txtMainQuery, MappingDocument::DisplayText(s.doc.GetQueryText(table)));
     s.mainQueryTable = table;
 }

@@ -1,6 +1,6 @@
 #include "ScriptEditor.h"
 
-#include "document/TextCodec.h"
+#include "core/document/TextCodec.h"
 
 #include <Qsci/qscilexercustom.h>
 

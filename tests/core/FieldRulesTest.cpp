@@ -3,9 +3,9 @@
 
 #include "TestSupport.h"
 
-#include "dictionary/core/FieldRules.h"
-#include "document/FieldNames.h"
-#include "document/MappingDocument.h"
+#include "core/dictionary/FieldRules.h"
+#include "core/document/FieldNames.h"
+#include "core/document/MappingDocument.h"
 
 using fb::MappingDocument;
 using fb::Node;

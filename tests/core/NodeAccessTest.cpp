@@ -4,7 +4,7 @@
 
 #include "TestSupport.h"
 
-#include "document/MappingDocument.h"
+#include "core/document/MappingDocument.h"
 
 using fb::MappingDocument;
 using fb::Node;

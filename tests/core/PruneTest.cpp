@@ -5,7 +5,7 @@
 #include "RecordingInteraction.h"
 #include "TestSupport.h"
 
-#include "scripts/core/ScriptScanner.h"
+#include "core/scripts/ScriptScanner.h"
 
 using fb::MappingDocument;
 using fb::ScriptScanner;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/Interaction.h"
+#include "core/document/Interaction.h"
 
 #include <QList>
 #include <QString>

@@ -5,8 +5,8 @@
 #include "RecordingInteraction.h"
 #include "TestSupport.h"
 
-#include "document/MappingDocument.h"
-#include "scripts/core/ScriptScanner.h"
+#include "core/document/MappingDocument.h"
+#include "core/scripts/ScriptScanner.h"
 
 using fb::MappingDocument;
 using fb::Node;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/Interaction.h"
-#include "document/MappingDocument.h"
+#include "core/document/Interaction.h"
+#include "core/document/MappingDocument.h"
 
 #include <QByteArray>
 #include <QFile>

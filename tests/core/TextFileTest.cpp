@@ -2,7 +2,7 @@
 
 #include "TestSupport.h"
 
-#include "document/TextFile.h"
+#include "core/document/TextFile.h"
 
 #include <QDir>
 #include <QFile>

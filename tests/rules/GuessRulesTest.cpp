@@ -1,8 +1,8 @@
 // Guessing rules: the indexed matching must give exactly the rules of the
 // plain nested loop over target and source fields, tie-breaks included.
-#include "rules/core/RuleGuess.h"
+#include "core/rules/RuleGuess.h"
 
-#include "dictionary/core/FieldRules.h"
+#include "core/dictionary/FieldRules.h"
 
 #include <gtest/gtest.h>
 

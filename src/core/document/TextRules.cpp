@@ -1,9 +1,9 @@
-#include "VbText.h"
+#include "TextRules.h"
 
 #include <cmath>
 #include <limits>
 
-namespace fb::vb {
+namespace fb::str {
 
 namespace {
 
@@ -205,4 +205,4 @@ QString TwoDigits(qint64 number)
     return QString::number(number);
 }
 
-} // namespace fb::vb
+} // namespace fb::str

@@ -1,6 +1,6 @@
 #include "RuleGuess.h"
 
-#include "dictionary/core/FieldRules.h"
+#include "core/dictionary/FieldRules.h"
 
 #include <QHash>
 

@@ -1,6 +1,6 @@
 #include "FieldRules.h"
 
-#include "document/VbText.h"
+#include "core/document/TextRules.h"
 
 namespace fb {
 
@@ -88,7 +88,7 @@ QString MandatoryMark(const Node& field)
 QString FieldNumberText(const Node& field)
 {
     const QString fno = field.attribute(QStringLiteral("FNo"));
-    const auto value = vb::NumericValue(fno);
+    const auto value = str::NumericValue(fno);
     if (!value)
         return QStringLiteral("000");
     // Two zeros for one-digit and for three-digit numbers alike (123 shows as

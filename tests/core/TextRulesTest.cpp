@@ -2,12 +2,12 @@
 
 #include "TestSupport.h"
 
-#include "document/VbText.h"
+#include "core/document/TextRules.h"
 
 #include <optional>
 
 using fb::test::RowName;
-namespace vb = fb::vb;
+namespace str = fb::str;
 
 namespace {
 
@@ -21,8 +21,8 @@ class Numeric : public ::testing::TestWithParam<NumericRow> {};
 TEST_P(Numeric, AcceptsTheGeneralForms)
 {
     const NumericRow& row = GetParam();
-    EXPECT_EQ(vb::IsNumeric(row.text), row.value.has_value());
-    const auto value = vb::NumericValue(row.text);
+    EXPECT_EQ(str::IsNumeric(row.text), row.value.has_value());
+    const auto value = str::NumericValue(row.text);
     ASSERT_EQ(value.has_value(), row.value.has_value());
     if (row.value) {
         EXPECT_DOUBLE_EQ(*value, *row.value);
@@ -75,7 +75,7 @@ class ToInteger : public ::testing::TestWithParam<IntegerRow> {};
 
 TEST_P(ToInteger, SixteenBitsWithHalvesToEven)
 {
-    EXPECT_EQ(vb::ToInteger(GetParam().text), GetParam().value);
+    EXPECT_EQ(str::ToInteger(GetParam().text), GetParam().value);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ToInteger,

@@ -1,6 +1,6 @@
 #include "ScriptScanner.h"
 
-#include "document/VbText.h"
+#include "core/document/TextRules.h"
 
 #include <exception>
 
@@ -69,12 +69,12 @@ bool ScriptScanner::IsKeywordAt(const QString& text, int p, int n, const QString
 
 QString ScriptScanner::NextWord(const QString& text, qint32& count)
 {
-    QString s = vb::Trim(text);
+    QString s = str::Trim(text);
     while (!s.isEmpty() && (s[0] == u'\n' || s[0] == u'\r' || s[0] == u'\t')) {
-        s = vb::Trim(s.mid(1));
+        s = str::Trim(s.mid(1));
         ++count;
     }
-    s = vb::LTrim(s);
+    s = str::LTrim(s);
     qsizetype len = 0;
     while (len < s.size() && !IsSeparator(s[len]))
         ++len;
@@ -90,7 +90,7 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
         m_doc.MigrateTables() = QStringList{QString()};
         QString rest = text;
         int length = int(rest.size());
-        int p = vb::InStrText(rest, kMigrate);
+        int p = str::InStrText(rest, kMigrate);
         while (p > 0) {
             if (length <= p + kMigrateLen) {
                 m_ui.MsgBox(QStringLiteral("Migrate Keyword Has to be followed by a TableName"), MsgButtons::Ok,
@@ -101,15 +101,15 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
                 IsKeywordAt(rest, p, kMigrateLen, QStringLiteral("Migrate Keyword has to followed by a TableName"));
             if (whole) {
                 qint32 consumed = 0;
-                const QString name = vb::Trim(NextWord(vb::Mid(rest, p + kMigrateLen), consumed));
+                const QString name = str::Trim(NextWord(str::Mid(rest, p + kMigrateLen), consumed));
                 if (!name.isEmpty())
                     AddMigrateTable(name);
             }
             if (rest.size() <= p + kMigrateLen)
                 break;
-            rest = vb::Mid(rest, p + kMigrateLen);
+            rest = str::Mid(rest, p + kMigrateLen);
             length = int(rest.size());
-            p = vb::InStrText(rest, kMigrate);
+            p = str::InStrText(rest, kMigrate);
         }
     } catch (const std::exception& e) {
         m_doc.RecordError(0, QString::fromUtf8(e.what()), kErrParse, QStringLiteral("Error Parsing the Migrate Keyword"));
@@ -129,9 +129,9 @@ bool ScriptScanner::AddMigrateTable(const QString& name)
         m_ui.FocusPreconditionEditor();
         return false;
     }
-    bool valid = vb::IsNumeric(name.mid(5, 3));
+    bool valid = str::IsNumeric(name.mid(5, 3));
     for (int i = 0; i < 5 && valid; ++i)
-        valid = !vb::IsNumeric(name.mid(i, 1));
+        valid = !str::IsNumeric(name.mid(i, 1));
     if (!valid) {
         m_ui.MsgBox(QStringLiteral("Invalid table name '") + name + u'\'', MsgButtons::Ok, MsgIcon::Critical);
         m_ui.FocusPreconditionEditor();
@@ -147,18 +147,18 @@ bool ScriptScanner::AddMigrateTable(const QString& name)
 void ScriptScanner::ScanDumpReferences(const QString& text)
 {
     QString rest = text;
-    int p = vb::InStrText(rest, kDump);
+    int p = str::InStrText(rest, kDump);
     while (p > 0) {
         const bool whole =
             IsKeywordAt(rest, p, kDumpLen, QStringLiteral("Dump Keyword Must be Followed by a Dump Number"));
         if (rest.size() <= p + kDumpLen)
             return;
-        rest = vb::Mid(rest, p + kDumpLen);
-        const int next = vb::InStrText(rest, kDump);
+        rest = str::Mid(rest, p + kDumpLen);
+        const int next = str::InStrText(rest, kDump);
         if (whole) {
             qint32 consumed = 0;
             const QString word = NextWord(rest, consumed);
-            if (const auto number = vb::ToInteger(word); number && *number >= 1 && *number <= 999)
+            if (const auto number = str::ToInteger(word); number && *number >= 1 && *number <= 999)
                 m_doc.AddDumpReference(*number, ReadDumpText(rest, next));
         }
         p = next;

@@ -2,7 +2,7 @@
 
 #include "FieldNames.h"
 #include "TextCodec.h"
-#include "VbText.h"
+#include "TextRules.h"
 
 #include <pugixml.hpp>
 
@@ -434,7 +434,7 @@ struct MappingDocument::Impl {
     }
 };
 
-MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(vb::FixedWidth(QString(), 8)) {}
+MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(str::FixedWidth(QString(), 8)) {}
 
 MappingDocument::~MappingDocument() = default;
 
@@ -491,7 +491,7 @@ bool MappingDocument::IsEmpty() const
 
 void MappingDocument::SetTableName(const QString& name)
 {
-    m_tableName = vb::FixedWidth(name, 8);
+    m_tableName = str::FixedWidth(name, 8);
 }
 
 QString MappingDocument::SectionPath(const QString& section) const
@@ -820,10 +820,10 @@ Node MappingDocument::GetSourceTableNode(const QString& table)
 QList<Node> MappingDocument::ListedSourceTables()
 {
     QList<Node> out;
-    for (QString name : vb::Split(GetSourceTablesText(), u',')) {
+    for (QString name : str::Split(GetSourceTablesText(), u',')) {
         name.remove(u'\r');
         name.remove(u'\n');
-        if (vb::Trim(name).isEmpty())
+        if (str::Trim(name).isEmpty())
             continue;
         if (const Node t = GetSourceTableNode(name))
             out.append(t);
@@ -934,7 +934,7 @@ Node MappingDocument::GetTargetTableNode(qint16 dumpNumber, const QString& selec
     } else {
         qint16 n = dumpNumber;
         if (n == 0)
-            n = selectorTag.isEmpty() ? m_dumps.numbers.first() : vb::ToInteger(selectorTag).value_or(0);
+            n = selectorTag.isEmpty() ? m_dumps.numbers.first() : str::ToInteger(selectorTag).value_or(0);
         table = n != 0 ? GetDumpNode(n).attribute(QStringLiteral("TT")) : m_tableName;
     }
     if (table.isEmpty())
@@ -947,9 +947,9 @@ qint16 MappingDocument::GetDependencyLevel(const Node& field)
     if (!field)
         return 1;
     const QString dep = field.attribute(QStringLiteral("DEP"));
-    if (!vb::IsNumeric(dep) || dep == u"0")
+    if (!str::IsNumeric(dep) || dep == u"0")
         return 1;
-    return vb::ToInteger(dep).value_or(1);
+    return str::ToInteger(dep).value_or(1);
 }
 
 // ---- documentation text numbers ------------------------------------------
@@ -960,8 +960,8 @@ void MappingDocument::SetTextNumber(const QString& type, qint32 number, const QS
         SetPreconditionTextNumber(number);
     if (type == u"M")
         SetQueryTextNumber(number, key1);
-    if (type == u"D" && vb::IsNumeric(key1)) {
-        if (const auto dump = vb::ToInteger(key1))
+    if (type == u"D" && str::IsNumeric(key1)) {
+        if (const auto dump = str::ToInteger(key1))
             SetRuleTextNumber(number, *dump, key2);
     }
 }
@@ -975,7 +975,7 @@ void MappingDocument::SetQueryTextNumber(qint32 number, const QString& key)
 {
     // The key names the attribute and the value tested is "": a QUERY is
     // found only if it carries an empty attribute of that name.
-    if (vb::Trim(key).isEmpty())
+    if (str::Trim(key).isEmpty())
         return;
     const Node q = GetNode(SectionPath(QStringLiteral("QUERY")), key, QString());
     if (q)
@@ -1007,7 +1007,7 @@ void MappingDocument::RemoveQueriesNotIn(const QStringList& sources)
 void MappingDocument::RemoveDumpsNotIn(const DumpReferences& dumps)
 {
     for (const Node& dump : DumpNodes()) {
-        const auto no = vb::ToInteger(dump.attribute(QStringLiteral("No")));
+        const auto no = str::ToInteger(dump.attribute(QStringLiteral("No")));
         if (!no || !dumps.contains(*no))
             RemoveChild(dump.parent(), dump);
     }

@@ -8,7 +8,7 @@
 // Small text rules that the whole control shares: the numeric test, the
 // conversions to whole numbers, the fixed-width table name and the keyword
 // search. Positions are 1-based where the callers count characters that way.
-namespace fb::vb {
+namespace fb::str {
 
 // The general numeric test: surrounding blanks (spaces, tabs), an optional
 // sign, digits with at most one decimal point (at least one digit), an
@@ -52,4 +52,4 @@ QString SignPadded(qint64 number);
 // Format "00": at least two digits.
 QString TwoDigits(qint64 number);
 
-} // namespace fb::vb
+} // namespace fb::str

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/FieldNames.h"
-#include "document/Node.h"
+#include "core/document/FieldNames.h"
+#include "core/document/Node.h"
 
 #include <QString>
 
