@@ -1,17 +1,21 @@
 #pragma once
 
-#include "ControlState.h"
-#include "rules/DumpRules.h"
-#include "scripts/QueryScripts.h"
+#include "core/session/MappingSession.h"
+#include "widgets/QtInteraction.h"
 
 #include <QObject>
-#include <QPointer>
 
 class QTabWidget;
+class ctlFieldbridge;
 
-// The private parts of the control: the shared state, the behaviour of the
-// two tabs, and the shell (start-up, ShowControl, tabs, edit mode, focus,
-// layout and the Alt shortcuts).
+namespace fb {
+class MappingObjectView;
+class DefineDumpsView;
+} // namespace fb
+
+// The private part of the control: the session and the two views on the tab
+// strip. It lays the panes out, follows the focus between the control's
+// parts and hands the Alt shortcuts to the session.
 class ctlFieldbridgePrivate : public QObject {
     Q_OBJECT
 public:
@@ -19,27 +23,20 @@ public:
     ~ctlFieldbridgePrivate() override;
 
     void StartUp();
-    void ShowControl();
-    void EnableEditing();
     void LayoutPanes();
-    void TabChanged(int index);
-    QString ReadMappingObject();
-    // The control as a whole loses the focus: the visible main query is
-    // stored, unless an external editor is open.
-    void ControlLostFocus();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     ctlFieldbridge* q;
-    fb::ControlState s;
-    fb::QueryScripts scripts;
-    fb::DumpRules dumps;
-    int previousTab = 0;
+    fb::QtInteraction ui;
+    fb::MappingSession session;
+    QTabWidget* m_mainTab = nullptr;
+    fb::MappingObjectView* m_mappingObject = nullptr;
+    fb::DefineDumpsView* m_defineDumps = nullptr;
 
 private:
+    void showTabs();
     void focusChanged(QWidget* old, QWidget* now);
-    // The handler of the Alt shortcuts; true when the key was one of them.
-    bool handleShortcut(int key, Qt::KeyboardModifiers modifiers, bool act);
-    // Which of the watched widgets (or their children) w belongs to.
-    QWidget* owningBox(QWidget* w) const;
+    void moveFocus(fb::MappingSession::Focus target);
+    bool m_showingTabs = false;
 };

@@ -47,7 +47,7 @@ TEST_P(FieldTypeText, DescriptionAndLength)
     OneField f(row.attributes);
     ASSERT_TRUE(f.ok);
     QString length = QStringLiteral("left over");
-    EXPECT_EQ(fb::GetFieldTypeText(f.field(), length), row.description);
+    EXPECT_EQ(fb::GetFieldTypeText(fb::FieldDefinition::Read(f.field()), length), row.description);
     EXPECT_EQ(length, row.length);
 }
 
@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(FieldTypeText, NoNodeGivesEmptyTexts)
 {
     QString length = QStringLiteral("x");
-    EXPECT_EQ(fb::GetFieldTypeText(Node(), length), QString());
+    EXPECT_EQ(fb::GetFieldTypeText(fb::FieldDefinition::Read(Node()), length), QString());
     EXPECT_EQ(length, QString());
 }
 
@@ -193,11 +193,11 @@ TEST(FieldExpression, WorksOnTheDescriptionsOfFieldTypes)
     OneField str(QStringLiteral("TYPE=\"S\" LENG=\"5\""));
     OneField mb(QStringLiteral("TYPE=\"M\" LENG=\"5\""));
     QString len;
-    EXPECT_EQ(fb::BuildFieldExpression(QStringLiteral("s.d"), fb::GetFieldTypeText(date.field(), len),
-                                       fb::GetFieldTypeText(utc.field(), len)),
+    EXPECT_EQ(fb::BuildFieldExpression(QStringLiteral("s.d"), fb::GetFieldTypeText(fb::FieldDefinition::Read(date.field()), len),
+                                       fb::GetFieldTypeText(fb::FieldDefinition::Read(utc.field()), len)),
               QStringLiteral("utc(s.d,0)"));
-    EXPECT_EQ(fb::BuildFieldExpression(QStringLiteral("s.n(2)"), fb::GetFieldTypeText(mb.field(), len),
-                                       fb::GetFieldTypeText(str.field(), len)),
+    EXPECT_EQ(fb::BuildFieldExpression(QStringLiteral("s.n(2)"), fb::GetFieldTypeText(fb::FieldDefinition::Read(mb.field()), len),
+                                       fb::GetFieldTypeText(fb::FieldDefinition::Read(str.field()), len)),
               QStringLiteral("s.n(1,2)"));
 }
 
@@ -214,7 +214,7 @@ TEST_P(FieldNumberCell, PadsTheTextOfFNo)
 {
     OneField f(GetParam().attributes);
     ASSERT_TRUE(f.ok);
-    EXPECT_EQ(fb::FieldNumberText(f.field()), GetParam().expected);
+    EXPECT_EQ(fb::FieldNumberText(fb::FieldDefinition::Read(f.field())), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, FieldNumberCell,
@@ -241,7 +241,7 @@ TEST_P(MandatoryCell, StarOnlyForCapitalY)
 {
     OneField f(GetParam().attributes);
     ASSERT_TRUE(f.ok);
-    EXPECT_EQ(fb::MandatoryMark(f.field()), GetParam().expected);
+    EXPECT_EQ(fb::MandatoryMark(fb::FieldDefinition::Read(f.field())), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, MandatoryCell,
@@ -258,7 +258,7 @@ TEST_P(AlignmentCell, WordForAdju)
 {
     OneField f(GetParam().attributes);
     ASSERT_TRUE(f.ok);
-    EXPECT_EQ(fb::AlignmentWord(f.field()), GetParam().expected);
+    EXPECT_EQ(fb::AlignmentWord(fb::FieldDefinition::Read(f.field())), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, AlignmentCell,
@@ -277,7 +277,7 @@ TEST_P(CaseCell, WordForCase)
 {
     OneField f(GetParam().attributes);
     ASSERT_TRUE(f.ok);
-    EXPECT_EQ(fb::CaseWord(f.field()), GetParam().expected);
+    EXPECT_EQ(fb::CaseWord(fb::FieldDefinition::Read(f.field())), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, CaseCell,
@@ -303,7 +303,7 @@ TEST_P(QualifiedName, LowerCaseTableDotShownName)
     const QualifiedRow& row = GetParam();
     OneField f(QStringLiteral("No=\"1\""), row.field, row.table);
     ASSERT_TRUE(f.ok);
-    EXPECT_EQ(fb::QualifiedFieldName(f.table(), f.field()), row.qualified);
+    EXPECT_EQ(fb::QualifiedFieldName(f.table().name(), f.field().name()), row.qualified);
     EXPECT_EQ(fb::FieldPartOf(row.qualified), row.fieldPart);
 }
 
@@ -322,7 +322,7 @@ TEST(FieldRow, FieldWithoutAttributesStillGivesARow)
 {
     OneField f(QString(), QStringLiteral("BARE"));
     ASSERT_TRUE(f.ok);
-    const fb::FieldRow row = fb::MakeFieldRow(f.table(), f.field());
+    const fb::FieldRow row = fb::MakeFieldRow(f.table().name(), fb::FieldDefinition::Read(f.field()));
     EXPECT_EQ(row.mandatory, QString());
     EXPECT_EQ(row.number, QStringLiteral("000"));
     EXPECT_EQ(row.name, QStringLiteral("klmno001.bare"));
@@ -340,7 +340,7 @@ TEST(FieldRow, EveryCellFromItsAttribute)
                               "CASE=\"U\" DOMAIN=\"percentage\" MAN=\"Y\""),
                QStringLiteral("DISC__3"));
     ASSERT_TRUE(f.ok);
-    const fb::FieldRow row = fb::MakeFieldRow(f.table(), f.field());
+    const fb::FieldRow row = fb::MakeFieldRow(f.table().name(), fb::FieldDefinition::Read(f.field()));
     EXPECT_EQ(row.mandatory, QStringLiteral("*"));
     EXPECT_EQ(row.number, QStringLiteral("042"));
     EXPECT_EQ(row.name, QStringLiteral("klmno001.disc(3)"));

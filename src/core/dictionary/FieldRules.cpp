@@ -4,13 +4,13 @@
 
 namespace fb {
 
-QString GetFieldTypeText(const Node& field, QString& lengthText)
+QString GetFieldTypeText(const FieldDefinition& field, QString& lengthText)
 {
     lengthText.clear();
-    const QString type = field.attribute(QStringLiteral("TYPE"));
-    const auto digits = [&] { return field.attribute(QStringLiteral("DIGB")); };
-    const auto fraction = [&] { return digits() + u',' + field.attribute(QStringLiteral("DIGA")); };
-    const auto leng = [&] { return field.attribute(QStringLiteral("LENG")); };
+    const QString& type = field.type;
+    const auto digits = [&] { return field.digitsBefore; };
+    const auto fraction = [&] { return field.digitsBefore + u',' + field.digitsAfter; };
+    const auto leng = [&] { return field.length; };
 
     if (type.size() != 1)
         return QString();
@@ -80,14 +80,14 @@ QString BuildFieldExpression(const QString& expression, const QString& sourceTyp
     return expression;
 }
 
-QString MandatoryMark(const Node& field)
+QString MandatoryMark(const FieldDefinition& field)
 {
-    return field.attribute(QStringLiteral("MAN")) == u"Y" ? QStringLiteral("*") : QString();
+    return field.mandatory == u"Y" ? QStringLiteral("*") : QString();
 }
 
-QString FieldNumberText(const Node& field)
+QString FieldNumberText(const FieldDefinition& field)
 {
-    const QString fno = field.attribute(QStringLiteral("FNo"));
+    const QString& fno = field.fieldNumber;
     const auto value = str::NumericValue(fno);
     if (!value)
         return QStringLiteral("000");
@@ -98,14 +98,14 @@ QString FieldNumberText(const Node& field)
     return u'0' + fno;
 }
 
-QString QualifiedFieldName(const Node& table, const Node& field)
+QString QualifiedFieldName(const QString& tableName, const QString& storedFieldName)
 {
-    return table.name().toLower() + u'.' + ToDisplayFieldName(field.name()).toLower();
+    return tableName.toLower() + u'.' + ToDisplayFieldName(storedFieldName).toLower();
 }
 
-QString AlignmentWord(const Node& field)
+QString AlignmentWord(const FieldDefinition& field)
 {
-    const QString a = field.attribute(QStringLiteral("ADJU"));
+    const QString& a = field.alignment;
     if (a == u"R")
         return QStringLiteral("Right");
     if (a == u"L")
@@ -115,9 +115,9 @@ QString AlignmentWord(const Node& field)
     return QStringLiteral("No");
 }
 
-QString CaseWord(const Node& field)
+QString CaseWord(const FieldDefinition& field)
 {
-    const QString c = field.attribute(QStringLiteral("CASE"));
+    const QString& c = field.letterCase;
     if (c == u"U")
         return QStringLiteral("Upper");
     if (c == u"L")
@@ -125,18 +125,27 @@ QString CaseWord(const Node& field)
     return QStringLiteral("No");
 }
 
-FieldRow MakeFieldRow(const Node& table, const Node& field)
+FieldRow MakeFieldRow(const QString& tableName, const FieldDefinition& field)
 {
     FieldRow row;
     row.mandatory = MandatoryMark(field);
     row.number = FieldNumberText(field);
-    row.name = QualifiedFieldName(table, field);
+    row.name = QualifiedFieldName(tableName, field.elementName);
     row.type = GetFieldTypeText(field, row.length);
-    row.description = field.attribute(QStringLiteral("DSCA"));
+    row.description = field.description;
     row.alignment = AlignmentWord(field);
     row.letterCase = CaseWord(field);
-    row.domain = field.attribute(QStringLiteral("DOMAIN"));
+    row.domain = field.domain;
     return row;
+}
+
+QList<FieldRow> FieldRowsOf(const Node& table)
+{
+    QList<FieldRow> rows;
+    const QString name = table.name();
+    for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
+        rows.append(MakeFieldRow(name, FieldDefinition::Read(f)));
+    return rows;
 }
 
 QString FieldPartOf(const QString& qualifiedName)

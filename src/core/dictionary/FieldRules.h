@@ -1,29 +1,29 @@
 #pragma once
 
+#include "core/document/FieldDefinition.h"
 #include "core/document/FieldNames.h"
-#include "core/document/Node.h"
 
 #include <QString>
 
-// The fixed rules that turn a field element's attributes into what the user
-// sees and into the text of a rule. All are pure functions.
+// The fixed rules that turn a field's attributes into what the user sees and
+// into the text of a rule. All are pure functions.
 namespace fb {
 
 // The type description of a field ("Byte", "Date", ...) and its length text,
 // by the field's one-letter TYPE; both "" for an unknown type.
-QString GetFieldTypeText(const Node& field, QString& lengthText);
+QString GetFieldTypeText(const FieldDefinition& field, QString& lengthText);
 
 // The text that stands for a source field in a target field's rule, with the
 // conversion that the pair of type descriptions needs.
 QString BuildFieldExpression(const QString& expression, const QString& sourceType, const QString& targetType);
 
 // ---- cells of a field-list row ----
-QString MandatoryMark(const Node& field);   // "*" when MAN is "Y"
-QString FieldNumberText(const Node& field); // FNo with its leading zeros
+QString MandatoryMark(const FieldDefinition& field);   // "*" when MAN is "Y"
+QString FieldNumberText(const FieldDefinition& field); // FNo with its leading zeros
 // Table name, ".", shown field name; all lower case.
-QString QualifiedFieldName(const Node& table, const Node& field);
-QString AlignmentWord(const Node& field); // from ADJU
-QString CaseWord(const Node& field);      // from CASE
+QString QualifiedFieldName(const QString& tableName, const QString& storedFieldName);
+QString AlignmentWord(const FieldDefinition& field); // from ADJU
+QString CaseWord(const FieldDefinition& field);      // from CASE
 
 // One row of a field list, cell by cell.
 struct FieldRow {
@@ -37,7 +37,9 @@ struct FieldRow {
     QString letterCase;
     QString domain;
 };
-FieldRow MakeFieldRow(const Node& table, const Node& field);
+FieldRow MakeFieldRow(const QString& tableName, const FieldDefinition& field);
+// The rows of every field element of a table element, in document order.
+QList<FieldRow> FieldRowsOf(const Node& table);
 
 // The field part of a qualified name: from the tenth character on. Table
 // names have eight characters, so the first nine are the table and its dot.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace fb {
 
@@ -22,6 +23,16 @@ public:
     // Returns "" when the user cancels, as an input box does.
     virtual QString InputBox(const QString& prompt, const QString& title,
                              const QString& defaultText = QString()) = 0;
+    // The documentation-text dialog, modal: the text is shown (locked unless
+    // editable) under the title; the answer is the text to store when the
+    // dialog closes (the text it was given when nothing is to be kept).
+    virtual QString EditDocText(const QString& /*title*/, const QString& text, bool /*editable*/) { return text; }
+    // The chooser of a dump's target table, modal: the table chosen, or the
+    // preset when the dialog is cancelled.
+    virtual QString ChooseTargetTable(qint16 /*dumpNumber*/, const QStringList& /*tables*/, const QString& preset)
+    {
+        return preset;
+    }
     // A "migrate" statement was refused: the precondition editor, where those
     // statements live, takes the focus.
     virtual void FocusPreconditionEditor() {}

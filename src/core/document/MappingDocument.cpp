@@ -734,6 +734,16 @@ bool MappingDocument::SetFunctionsText(const QString& text)
     return setSectionText(QStringLiteral("FUNCTIONS"), text);
 }
 
+bool MappingDocument::HasFunctions()
+{
+    return bool(GetNode(SectionPath(QStringLiteral("FUNCTIONS"))));
+}
+
+bool MappingDocument::HasVariables()
+{
+    return bool(GetNode(SectionPath(QStringLiteral("VAR"))));
+}
+
 QString MappingDocument::GetVariablesText()
 {
     return GetNodeText(SectionPath(QStringLiteral("VAR")));
@@ -863,6 +873,31 @@ QString MappingDocument::GetDumpChildText(qint16 number, const QString& name)
     if (number > 0)
         CreateDumpNode(number);
     return QString();
+}
+
+QString MappingDocument::DumpTargetTable(const Node& dump)
+{
+    return dump.attribute(QStringLiteral("TT"));
+}
+
+bool MappingDocument::SetDumpTargetTable(const Node& dump, const QString& table)
+{
+    return SetNodeAttribute(dump, QStringLiteral("TT"), table);
+}
+
+std::optional<qint16> MappingDocument::ElementNo(const Node& element)
+{
+    return str::ToInteger(element.attribute(QStringLiteral("No")));
+}
+
+QString MappingDocument::DocText(const Node& element)
+{
+    return element.attribute(QStringLiteral("TEXT"));
+}
+
+bool MappingDocument::SetDocText(const Node& element, const QString& text)
+{
+    return SetNodeAttribute(element, QStringLiteral("TEXT"), text);
 }
 
 Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, const QString& rule)

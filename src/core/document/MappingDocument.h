@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 namespace fb {
 
@@ -102,6 +103,8 @@ public:
     bool SetSourceTablesText(const QString& text);
     QString GetFunctionsText();
     bool SetFunctionsText(const QString& text);
+    bool HasFunctions();
+    bool HasVariables();
     QString GetVariablesText();
     bool SetVariablesText(const QString& text);
     QString GetQueryText(const QString& source);
@@ -125,6 +128,14 @@ public:
     Node CreateDumpNode(qint16 number, const QString& text);
     QString GetDumpChildText(qint16 number, const QString& name);
     QList<Node> DumpNodes();
+    // The target table a dump is bound to (TT), and binding it.
+    static QString DumpTargetTable(const Node& dump);
+    bool SetDumpTargetTable(const Node& dump, const QString& table);
+    // The field number (No) of a rule or field element as a whole number.
+    static std::optional<qint16> ElementNo(const Node& element);
+    // The documentation text (TEXT) of PREC, a QUERY or a rule element.
+    static QString DocText(const Node& element);
+    bool SetDocText(const Node& element, const QString& text);
     // Writes the rule of one field into a dump: the element named like the
     // field element, created when missing (with an empty TEXT). Whoever made
     // the element, once it holds a rule it carries its field's No, and TYPE

@@ -7,7 +7,7 @@ namespace fb {
 
 // The rules grid: one row per field of the dump's target table; column 0 the
 // qualified field name, column 1 the rule (CR LF line breaks, as stored).
-class RulesGridModel : public QAbstractTableModel {
+class RulesModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     using QAbstractTableModel::QAbstractTableModel;

@@ -4,14 +4,12 @@
 
 #include <QPointer>
 
-#include <functional>
-
 class QWidget;
 
 namespace fb {
 
-// The control's side of the message seam: real modal boxes, shown with
-// exec() so that they block until answered.
+// The control's side of the message seam: real modal boxes and dialogs,
+// shown with exec() so that they block until answered.
 class QtInteraction : public Interaction {
 public:
     explicit QtInteraction(QWidget* owner) : m_owner(owner) {}
@@ -20,11 +18,8 @@ public:
                      const QString& title = QString()) override;
     QString InputBox(const QString& prompt, const QString& title,
                      const QString& defaultText = QString()) override;
-    void FocusPreconditionEditor() override;
-    void MigrateTablesChanged() override;
-
-    std::function<void()> onFocusPrecondition;
-    std::function<void()> onMigrateTablesChanged;
+    QString EditDocText(const QString& title, const QString& text, bool editable) override;
+    QString ChooseTargetTable(qint16 dumpNumber, const QStringList& tables, const QString& preset) override;
 
 private:
     QPointer<QWidget> m_owner;

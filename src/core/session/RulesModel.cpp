@@ -1,31 +1,31 @@
-#include "RulesGridModel.h"
+#include "RulesModel.h"
 
-#include "control/BoxText.h"
+#include "core/document/LineBreaks.h"
 
 namespace fb {
 
-int RulesGridModel::rowCount(const QModelIndex& parent) const
+int RulesModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : int(m_names.size());
 }
 
-int RulesGridModel::columnCount(const QModelIndex& parent) const
+int RulesModel::columnCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : 2;
 }
 
-QVariant RulesGridModel::data(const QModelIndex& index, int role) const
+QVariant RulesModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.row() >= m_names.size())
         return QVariant();
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return text(index.row(), index.column());
     if (role == Qt::ToolTipRole && index.column() == 1)
-        return ToEditorText(m_rules[index.row()]);
+        return LfText(m_rules[index.row()]);
     return QVariant();
 }
 
-QVariant RulesGridModel::headerData(int section, Qt::Orientation orientation, int role) const
+QVariant RulesModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (role != Qt::DisplayRole)
         return QVariant();
@@ -34,7 +34,7 @@ QVariant RulesGridModel::headerData(int section, Qt::Orientation orientation, in
     return section == 0 ? QStringLiteral("Target Field") : QStringLiteral("Rule");
 }
 
-void RulesGridModel::setRows(const QStringList& fieldNames)
+void RulesModel::setRows(const QStringList& fieldNames)
 {
     beginResetModel();
     m_names = fieldNames;
@@ -42,14 +42,14 @@ void RulesGridModel::setRows(const QStringList& fieldNames)
     endResetModel();
 }
 
-QString RulesGridModel::text(int row, int column) const
+QString RulesModel::text(int row, int column) const
 {
     if (row < 0 || row >= m_names.size())
         return QString();
     return column == 0 ? m_names[row] : column == 1 ? m_rules[row] : QString();
 }
 
-void RulesGridModel::setText(int row, int column, const QString& text)
+void RulesModel::setText(int row, int column, const QString& text)
 {
     if (row < 0 || row >= m_names.size() || column < 0 || column > 1)
         return;
@@ -60,7 +60,7 @@ void RulesGridModel::setText(int row, int column, const QString& text)
     Q_EMIT dataChanged(index(row, column), index(row, column));
 }
 
-void RulesGridModel::clearRules()
+void RulesModel::clearRules()
 {
     if (m_rules.isEmpty())
         return;

@@ -141,35 +141,20 @@ void FieldListModel::sort(int column, Qt::SortOrder order)
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
-void FieldListModel::clear()
+void FieldListModel::setRows(const QList<FieldRow>& rows)
 {
-    if (m_rows.isEmpty())
+    if (rows.isEmpty() && m_rows.isEmpty())
         return;
     beginResetModel();
-    m_rows.clear();
-    m_checked.clear();
+    m_rows = rows;
+    m_checked = QList<bool>(rows.size(), false);
     endResetModel();
 }
 
-void FieldListModel::appendTable(const Node& table)
+void FieldListModel::sortByHeaderClick(int column)
 {
-    if (!table)
-        return;
-    QList<FieldRow> rows;
-    for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
-        rows.append(MakeFieldRow(table, f));
-    appendRows(rows);
-}
-
-void FieldListModel::appendRows(const QList<FieldRow>& rows)
-{
-    if (rows.isEmpty())
-        return;
-    const int first = int(m_rows.size());
-    beginInsertRows(QModelIndex(), first, first + int(rows.size()) - 1);
-    m_rows.append(rows);
-    m_checked.resize(m_rows.size(), false);
-    endInsertRows();
+    m_lastAscending = !m_lastAscending;
+    sort(column, m_lastAscending ? Qt::AscendingOrder : Qt::DescendingOrder);
 }
 
 bool FieldListModel::isChecked(int row) const

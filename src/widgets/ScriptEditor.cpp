@@ -146,8 +146,6 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
 void ScriptEditor::setCompletionWords(const QStringList& words)
 {
     m_completionWords = words;
-    m_completionWords.sort(Qt::CaseInsensitive);
-    m_completionWords.removeDuplicates();
 }
 
 QString ScriptEditor::wordBeforeCursor(int* start) const

@@ -1,6 +1,7 @@
 #include "QtInteraction.h"
 
-#include "BoxText.h"
+#include "FrmTxtDoc.h"
+#include "core/document/LineBreaks.h"
 
 #include <QInputDialog>
 #include <QMessageBox>
@@ -12,7 +13,7 @@ MsgAnswer QtInteraction::MsgBox(const QString& prompt, MsgButtons buttons, MsgIc
     QMessageBox box(m_owner);
     box.setObjectName(QStringLiteral("FieldbridgeMessage"));
     box.setWindowTitle(title);
-    box.setText(ToEditorText(prompt));
+    box.setText(LfText(prompt));
     switch (icon) {
     case MsgIcon::Critical:
         box.setIcon(QMessageBox::Critical);
@@ -75,16 +76,18 @@ QString QtInteraction::InputBox(const QString& prompt, const QString& title, con
     return dialog.textValue();
 }
 
-void QtInteraction::FocusPreconditionEditor()
+QString QtInteraction::EditDocText(const QString& title, const QString& text, bool editable)
 {
-    if (onFocusPrecondition)
-        onFocusPrecondition();
+    FrmTxtDoc dialog(title, text, editable, m_owner);
+    dialog.exec();
+    return dialog.docText();
 }
 
-void QtInteraction::MigrateTablesChanged()
+QString QtInteraction::ChooseTargetTable(qint16 dumpNumber, const QStringList& tables, const QString& preset)
 {
-    if (onMigrateTablesChanged)
-        onMigrateTablesChanged();
+    FrmTxtDoc dialog(dumpNumber, tables, preset, m_owner);
+    dialog.exec();
+    return dialog.chosenTable();
 }
 
 } // namespace fb

@@ -20,7 +20,7 @@ public:
     void setReadOnly(bool locked) override;
 
     // Words offered on Ctrl+Space besides the words of the text itself: the
-    // qualified source fields ("pqrst002.custno").
+    // qualified source fields ("pqrst002.custno"), sorted, without repeats.
     void setCompletionWords(const QStringList& words);
     // Ctrl+Space: completes the word before the cursor with a unique match,
     // or offers the matches in a list.

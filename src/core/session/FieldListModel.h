@@ -25,10 +25,12 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     void sort(int column, Qt::SortOrder order) override;
 
-    void clear();
-    // Appends one row per field element of the table element.
-    void appendTable(const Node& table);
-    void appendRows(const QList<FieldRow>& rows);
+    // Replaces every row (ticks cleared).
+    void setRows(const QList<FieldRow>& rows);
+    const QList<FieldRow>& rows() const { return m_rows; }
+    // A click on a column header: sorts by that column, ascending on the
+    // first click and reversing the order on every further one.
+    void sortByHeaderClick(int column);
 
     // The text of a cell by the list's own column numbers.
     QString cellText(int row, int column) const;
@@ -46,6 +48,7 @@ private:
     Kind m_kind;
     QList<FieldRow> m_rows;
     QList<bool> m_checked;
+    bool m_lastAscending = false;
 };
 
 } // namespace fb
