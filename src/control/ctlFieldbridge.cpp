@@ -15,14 +15,14 @@ using namespace fb;
 // ---------------------------------------------------------------------------
 // ctlFieldbridgePrivate
 
-ctlFieldbridgePrivate::ctlFieldbridgePrivate(ctlFieldbridge* owner) : q(owner), ui(owner), session(ui) {}
+ctlFieldbridgePrivate::ctlFieldbridgePrivate(ctlFieldbridge* owner) : m_q(owner), m_ui(owner), m_session(m_ui) {}
 
 ctlFieldbridgePrivate::~ctlFieldbridgePrivate() = default;
 
 void ctlFieldbridgePrivate::StartUp()
 {
     // The tab strip with one page per tab; each page holds its frame.
-    m_mainTab = new QTabWidget(q);
+    m_mainTab = new QTabWidget(m_q);
     m_mainTab->setObjectName(QStringLiteral("MainTab"));
     auto* page0 = new QWidget;
     auto* page1 = new QWidget;
@@ -30,28 +30,28 @@ void ctlFieldbridgePrivate::StartUp()
     page1->setObjectName(QStringLiteral("MainTabPage1"));
     m_mainTab->addTab(page0, QStringLiteral("Mapping Object"));
     m_mainTab->addTab(page1, QStringLiteral("Define Dumps"));
-    m_mappingObject = new MappingObjectView(session, page0);
-    m_defineDumps = new DefineDumpsView(session, page1);
+    m_mappingObject = new MappingObjectView(m_session, page0);
+    m_defineDumps = new DefineDumpsView(m_session, page1);
     showTabs();
 
     connect(m_mainTab, &QTabWidget::currentChanged, this, [this](int index) {
         if (!m_showingTabs)
-            session.TabChanged(index);
+            m_session.TabChanged(index);
     });
-    connect(&session, &MappingSession::tabsChanged, this, &ctlFieldbridgePrivate::showTabs);
-    connect(&session, &MappingSession::focusRequested, this, &ctlFieldbridgePrivate::moveFocus);
+    connect(&m_session, &MappingSession::tabsChanged, this, &ctlFieldbridgePrivate::showTabs);
+    connect(&m_session, &MappingSession::focusRequested, this, &ctlFieldbridgePrivate::moveFocus);
     connect(qApp, &QApplication::focusChanged, this, &ctlFieldbridgePrivate::focusChanged);
 
     // The host's events.
-    connect(&session, &MappingSession::ShowSourceTablesPopUp, q, &ctlFieldbridge::ShowSourceTablesPopUp);
-    connect(&session, &MappingSession::ShowConditionBuilderPopUp, q, &ctlFieldbridge::ShowConditionBuilderPopUp);
-    connect(&session, &MappingSession::ShowQueryBuilderPopUp, q, &ctlFieldbridge::ShowQueryBuilderPopUp);
-    connect(&session, &MappingSession::ShowFunctionBuilderPopUp, q, &ctlFieldbridge::ShowFunctionBuilderPopUp);
-    connect(&session, &MappingSession::SaveDoneDisabled, q, &ctlFieldbridge::SaveDoneDisabled);
-    connect(&session, &MappingSession::SaveDoneEnabled, q, &ctlFieldbridge::SaveDoneEnabled);
+    connect(&m_session, &MappingSession::ShowSourceTablesPopUp, m_q, &ctlFieldbridge::ShowSourceTablesPopUp);
+    connect(&m_session, &MappingSession::ShowConditionBuilderPopUp, m_q, &ctlFieldbridge::ShowConditionBuilderPopUp);
+    connect(&m_session, &MappingSession::ShowQueryBuilderPopUp, m_q, &ctlFieldbridge::ShowQueryBuilderPopUp);
+    connect(&m_session, &MappingSession::ShowFunctionBuilderPopUp, m_q, &ctlFieldbridge::ShowFunctionBuilderPopUp);
+    connect(&m_session, &MappingSession::SaveDoneDisabled, m_q, &ctlFieldbridge::SaveDoneDisabled);
+    connect(&m_session, &MappingSession::SaveDoneEnabled, m_q, &ctlFieldbridge::SaveDoneEnabled);
 
     // The Alt shortcuts are the control's whichever of its parts has the focus.
-    for (QWidget* child : q->findChildren<QWidget*>())
+    for (QWidget* child : m_q->findChildren<QWidget*>())
         child->installEventFilter(this);
     LayoutPanes();
 }
@@ -59,11 +59,11 @@ void ctlFieldbridgePrivate::StartUp()
 void ctlFieldbridgePrivate::showTabs()
 {
     m_showingTabs = true;
-    m_mainTab->setTabEnabled(1, session.tabEnabled(1));
-    m_mainTab->setCurrentIndex(session.currentTab());
+    m_mainTab->setTabEnabled(1, m_session.tabEnabled(1));
+    m_mainTab->setCurrentIndex(m_session.currentTab());
     m_showingTabs = false;
     // Only the current tab's frame is enabled.
-    const bool first = session.currentTab() == 0;
+    const bool first = m_session.currentTab() == 0;
     m_mappingObject->setEnabled(first);
     m_defineDumps->setEnabled(!first);
     LayoutPanes();
@@ -72,19 +72,19 @@ void ctlFieldbridgePrivate::showTabs()
 void ctlFieldbridgePrivate::LayoutPanes()
 {
     QTabWidget* tab = m_mainTab;
-    tab->setGeometry(0, 0, q->width(), q->height());
+    tab->setGeometry(0, 0, m_q->width(), m_q->height());
 
     // Both frames: MainTab left + 45, width − 95, top + 360, height − 600
     // (in twips), given in the tab's coordinates. The tab strip of this
     // platform may be taller than 360 twips; the frame then starts below it.
-    const int left = TwipsToPixelsX(45, q);
-    const int width = tab->width() - TwipsToPixelsX(95, q);
-    const int height = tab->height() - TwipsToPixelsY(600, q);
+    const int left = TwipsToPixelsX(45, m_q);
+    const int width = tab->width() - TwipsToPixelsX(95, m_q);
+    const int height = tab->height() - TwipsToPixelsY(600, m_q);
     for (QWidget* frame : {static_cast<QWidget*>(m_mappingObject), static_cast<QWidget*>(m_defineDumps)}) {
         QWidget* page = frame->parentWidget();
         const QPoint origin = page->mapTo(tab, QPoint(0, 0));
-        const int top = std::max(TwipsToPixelsY(360, q), origin.y());
-        const int h = height - (top - TwipsToPixelsY(360, q));
+        const int top = std::max(TwipsToPixelsY(360, m_q), origin.y());
+        const int h = height - (top - TwipsToPixelsY(360, m_q));
         const int w = std::min(width, page->width() > 0 ? page->width() - (left - origin.x()) : width);
         Place(frame, left - origin.x(), top - origin.y(), w, h);
     }
@@ -107,8 +107,8 @@ void ctlFieldbridgePrivate::focusChanged(QWidget* old, QWidget* now)
     // message box or a popup taking the focus is not a loss.
     if (!old || !now || old->window() != now->window())
         return;
-    const bool wasInside = q->isAncestorOf(old);
-    const bool isInside = q->isAncestorOf(now);
+    const bool wasInside = m_q->isAncestorOf(old);
+    const bool isInside = m_q->isAncestorOf(now);
     using Part = DefineDumpsView::Part;
     const auto box = [this](QWidget* w) { return m_mappingObject->boxOf(w); };
     const auto part = [this](QWidget* w) { return m_defineDumps->partOf(w); };
@@ -116,22 +116,22 @@ void ctlFieldbridgePrivate::focusChanged(QWidget* old, QWidget* now)
         const auto fromBox = box(old);
         const Part fromPart = part(old);
         if (fromBox && fromBox != box(now))
-            session.BoxLostFocus(*fromBox);
+            m_session.BoxLostFocus(*fromBox);
         else if (fromPart == Part::DumpSelector && part(now) != Part::DumpSelector)
-            session.DumpSelectorLostFocus();
+            m_session.DumpSelectorLostFocus();
         else if (fromPart == Part::Overlay && part(now) != Part::Overlay)
-            session.OverlayLostFocus();
+            m_session.OverlayLostFocus();
     }
     if (isInside && part(now) != part(old)) {
         if (part(now) == Part::Grid)
-            session.GridGotFocus();
+            m_session.GridGotFocus();
         else if (part(now) == Part::SourceFields)
             m_defineDumps->showSourceSelection();
     }
     if (wasInside && !isInside)
-        session.ControlLostFocus();
+        m_session.ControlLostFocus();
     else if (!wasInside && isInside)
-        session.ControlGotFocus();
+        m_session.ControlGotFocus();
 }
 
 bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
@@ -143,7 +143,7 @@ bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
         if (mods == Qt::AltModifier && key->key() >= Qt::Key_A && key->key() <= Qt::Key_Z) {
             const QChar letter(char16_t(key->key()));
             // Claimed before any access key of a caption sees it.
-            if (session.AltShortcut(letter, type == QEvent::KeyPress)) {
+            if (m_session.AltShortcut(letter, type == QEvent::KeyPress)) {
                 event->accept();
                 return true;
             }
@@ -165,38 +165,38 @@ ctlFieldbridge::ctlFieldbridge(QWidget* parent) : QWidget(parent), d(std::make_u
 
 ctlFieldbridge::~ctlFieldbridge() = default;
 
-void ctlFieldbridge::setMappingObjectXML(const QString& text) { d->session.setMappingObjectXML(text); }
-QString ctlFieldbridge::MappingObjectXML() { return d->session.MappingObjectXML(); }
-void ctlFieldbridge::Setfocus() { d->session.Setfocus(); }
-void ctlFieldbridge::setEditor(const QString& Epath) { d->session.setEditor(Epath); }
-QString ctlFieldbridge::Editor() const { return d->session.Editor(); }
-void ctlFieldbridge::setTargetTable(const QString& name) { d->session.setTargetTable(name); }
-QString ctlFieldbridge::TargetTable() const { return d->session.TargetTable(); }
-void ctlFieldbridge::setEdit(bool BoolNewValue) { d->session.setEdit(BoolNewValue); }
-bool ctlFieldbridge::Edit() const { return d->session.Edit(); }
-void ctlFieldbridge::setSourceTables(const QString& tables) { d->session.setSourceTables(tables); }
-QString ctlFieldbridge::SourceTables() { return d->session.SourceTables(); }
-void ctlFieldbridge::setPreCondition(const QString& text) { d->session.setPreCondition(text); }
-QString ctlFieldbridge::PreCondition() const { return d->session.PreCondition(); }
-void ctlFieldbridge::setMainQuery(const QString& text) { d->session.setMainQuery(text); }
-QString ctlFieldbridge::MainQuery() const { return d->session.MainQuery(); }
-QString ctlFieldbridge::FieldMapping() const { return d->session.FieldMapping(); }
-void ctlFieldbridge::setFieldMapping(const QString& rule) { d->session.setFieldMapping(rule); }
+void ctlFieldbridge::setMappingObjectXML(const QString& text) { d->m_session.setMappingObjectXML(text); }
+QString ctlFieldbridge::MappingObjectXML() { return d->m_session.MappingObjectXML(); }
+void ctlFieldbridge::Setfocus() { d->m_session.Setfocus(); }
+void ctlFieldbridge::setEditor(const QString& Epath) { d->m_session.setEditor(Epath); }
+QString ctlFieldbridge::Editor() const { return d->m_session.Editor(); }
+void ctlFieldbridge::setTargetTable(const QString& name) { d->m_session.setTargetTable(name); }
+QString ctlFieldbridge::TargetTable() const { return d->m_session.TargetTable(); }
+void ctlFieldbridge::setEdit(bool BoolNewValue) { d->m_session.setEdit(BoolNewValue); }
+bool ctlFieldbridge::Edit() const { return d->m_session.Edit(); }
+void ctlFieldbridge::setSourceTables(const QString& tables) { d->m_session.setSourceTables(tables); }
+QString ctlFieldbridge::SourceTables() { return d->m_session.SourceTables(); }
+void ctlFieldbridge::setPreCondition(const QString& text) { d->m_session.setPreCondition(text); }
+QString ctlFieldbridge::PreCondition() const { return d->m_session.PreCondition(); }
+void ctlFieldbridge::setMainQuery(const QString& text) { d->m_session.setMainQuery(text); }
+QString ctlFieldbridge::MainQuery() const { return d->m_session.MainQuery(); }
+QString ctlFieldbridge::FieldMapping() const { return d->m_session.FieldMapping(); }
+void ctlFieldbridge::setFieldMapping(const QString& rule) { d->m_session.setFieldMapping(rule); }
 int ctlFieldbridge::GetListItemNumber(const QString& strFieldName) const
 {
-    return d->session.GetListItemNumber(strFieldName);
+    return d->m_session.GetListItemNumber(strFieldName);
 }
-void ctlFieldbridge::ShowControl() { d->session.ShowControl(); }
+void ctlFieldbridge::ShowControl() { d->m_session.ShowControl(); }
 void ctlFieldbridge::SetTextNumber(const QString& StrType, int LngTextNumber, const QString& StrKey1,
                                    const QString& StrKey2)
 {
-    d->session.SetTextNumber(StrType, LngTextNumber, StrKey1, StrKey2);
+    d->m_session.SetTextNumber(StrType, LngTextNumber, StrKey1, StrKey2);
 }
 int ctlFieldbridge::GetRowNumber(const QString& i_StrFieldName) const
 {
-    return d->session.GetRowNumber(i_StrFieldName);
+    return d->m_session.GetRowNumber(i_StrFieldName);
 }
-void ctlFieldbridge::GridEdit(short KeyAscii) { d->session.GridEdit(KeyAscii); }
+void ctlFieldbridge::GridEdit(short KeyAscii) { d->m_session.GridEdit(KeyAscii); }
 
 void ctlFieldbridge::resizeEvent(QResizeEvent* event)
 {

@@ -19,7 +19,7 @@ class DefineDumpsView;
 class ctlFieldbridgePrivate : public QObject {
     Q_OBJECT
 public:
-    explicit ctlFieldbridgePrivate(ctlFieldbridge* q);
+    explicit ctlFieldbridgePrivate(ctlFieldbridge* owner);
     ~ctlFieldbridgePrivate() override;
 
     void StartUp();
@@ -27,9 +27,9 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-    ctlFieldbridge* q;
-    fb::QtInteraction ui;
-    fb::MappingSession session;
+    ctlFieldbridge* m_q;
+    fb::QtInteraction m_ui;
+    fb::MappingSession m_session;
     QTabWidget* m_mainTab = nullptr;
     fb::MappingObjectView* m_mappingObject = nullptr;
     fb::DefineDumpsView* m_defineDumps = nullptr;

@@ -1,6 +1,7 @@
 #include "ScriptEditor.h"
 
 #include "core/document/TextCodec.h"
+#include "core/scripts/ScriptScanner.h"
 
 #include <Qsci/qscilexercustom.h>
 
@@ -22,27 +23,6 @@ bool isWordByte(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
            c == '$';
-}
-
-bool isSeparatorByte(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-bool keywordAt(const QByteArray& s, qsizetype i, const char* word, qsizetype len)
-{
-    if (i + len > s.size())
-        return false;
-    if (i > 0 && !isSeparatorByte(s[i - 1]))
-        return false;
-    for (qsizetype k = 0; k < len; ++k) {
-        char c = s[i + k];
-        if (c >= 'A' && c <= 'Z')
-            c = char(c - 'A' + 'a');
-        if (c != word[k])
-            return false;
-    }
-    return i + len == s.size() || isSeparatorByte(s[i + len]);
 }
 
 // Colours the two keywords that carry structure, found as the scanner finds
@@ -81,43 +61,36 @@ public:
 
     void styleText(int start, int end) override
     {
-        QsciScintilla* ed = editor();
+        auto* ed = qobject_cast<ScriptEditor*>(editor());
         if (!ed || end <= start)
             return;
-        const long line = ed->SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, static_cast<unsigned long>(start));
-        start = int(ed->SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, static_cast<unsigned long>(line)));
-        QByteArray bytes(end - start + 1, '\0');
-        ed->SendScintilla(QsciScintillaBase::SCI_GETTEXTRANGE, start, end, bytes.data());
-        bytes.truncate(end - start);
-
-        startStyling(start);
-        qsizetype i = 0;
-        const qsizetype n = bytes.size();
-        auto run = [&](qsizetype len, int style) {
-            if (len > 0)
-                setStyling(int(len), style);
-            i += len;
+        // The keywords as the scanner reads them, over the whole text (a
+        // keyword's meaning depends on what stands before it), in the
+        // editor's positions: bytes of the UTF-8 text.
+        const QString text = ed->plainText();
+        QList<int> byteAt(text.size() + 1, 0);
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const char16_t c = text[i].unicode();
+            byteAt[i + 1] = byteAt[i] + (c < 0x80 ? 1 : c < 0x800 ? 2 : QChar::isSurrogate(c) ? 2 : 3);
+        }
+        QByteArray styles(byteAt.last(), char(Default));
+        const auto mark = [&](qsizetype from, qsizetype length, int style) {
+            for (int b = byteAt[from]; b < byteAt[from + length]; ++b)
+                styles[b] = char(style);
         };
-        while (i < n) {
-            const bool migrate = keywordAt(bytes, i, "migrate", 7);
-            const bool dump = !migrate && keywordAt(bytes, i, "dump", 4);
-            if (!migrate && !dump) {
-                qsizetype j = i + 1;
-                while (j < n && !(isSeparatorByte(bytes[j - 1]) && (bytes[j] == 'm' || bytes[j] == 'M' ||
-                                                                     bytes[j] == 'd' || bytes[j] == 'D')))
-                    ++j;
-                run(j - i, Default);
-                continue;
-            }
-            run(migrate ? 7 : 4, Keyword);
-            qsizetype j = i;
-            while (j < n && (bytes[j] == ' ' || bytes[j] == '\t'))
-                ++j;
-            run(j - i, Default);
-            j = i;
-            while (j < n && !isSeparatorByte(bytes[j]))
-                ++j;
-            run(j - i, Reference);
+        for (const KeywordSpan& span : KeywordSpans(text)) {
+            mark(span.start, span.length, Keyword);
+            if (span.argumentStart >= 0 && span.argumentValid)
+                mark(span.argumentStart, span.argumentLength, Reference);
+        }
+        end = std::min(end, int(styles.size()));
+        startStyling(start);
+        for (int b = start; b < end;) {
+            int e = b + 1;
+            while (e < end && styles[e] == styles[b])
+                ++e;
+            setStyling(e - b, styles[b]);
+            b = e;
         }
     }
 };

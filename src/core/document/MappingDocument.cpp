@@ -1,10 +1,13 @@
 #include "MappingDocument.h"
 
 #include "FieldNames.h"
+#include "LineBreaks.h"
 #include "TextCodec.h"
 #include "TextRules.h"
 
 #include <pugixml.hpp>
+
+#include <QLoggingCategory>
 
 #include <algorithm>
 #include <cstring>
@@ -13,14 +16,16 @@
 
 namespace fb {
 
+Q_LOGGING_CATEGORY(lcDocument, "fieldbridge.document")
+
 namespace {
 
 constexpr qint16 kErrInvalidXml = 1;
 const char16_t kInvalidXmlText[] = u"The Loaded XML was not a Valid XML. Please refresh";
 constexpr qint16 kErrGetNode = 2001;
 const char16_t kGetNodeText[] = u"Error Getting Node (GetNode)";
-// Failures of the object model that the original platform would raise as
-// run-time errors: an object that is not there, and a name the DOM refuses.
+// Failures of the object model that are recorded as run-time errors: an
+// object that is not there, and a name the DOM refuses.
 constexpr qint16 kErrNoObject = 91;
 const char16_t kNoObjectText[] = u"Object variable or With block variable not set";
 constexpr qint16 kErrInvalidName = 2005;
@@ -48,18 +53,6 @@ QString fromUtf8(const char* s)
     return Utf8Text(s, qsizetype(std::strlen(s)));
 }
 
-// Line ends as the parser would leave them after the text went through a
-// save and a load: CR LF and lone CR become LF. Storing them that way keeps
-// the document the same whether or not the host has round-tripped it.
-QString parsedLineEnds(const QString& text)
-{
-    if (!text.contains(u'\r'))
-        return text;
-    QString out = text;
-    out.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    out.replace(u'\r', u'\n');
-    return out;
-}
 
 // The parser takes an element that repeats an attribute name without
 // complaint. Such text is not well-formed, and serialising it again would
@@ -90,7 +83,7 @@ void normaliseTextLineEnds(pugi::xml_document& doc)
 {
     for (pugi::xml_node cur = doc.first_child(); cur;) {
         if (cur.type() == pugi::node_pcdata && std::strchr(cur.value(), '\r'))
-            cur.set_value(utf8(parsedLineEnds(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))))).c_str());
+            cur.set_value(utf8(LfText(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))))).c_str());
         if (cur.first_child()) {
             cur = cur.first_child();
             continue;
@@ -501,12 +494,12 @@ QString MappingDocument::SectionPath(const QString& section) const
 
 void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallbackCode, const QString& fallbackText)
 {
-    if (m_error.code != 0)
-        return;
-    if (code != 0)
-        m_error = {code, text};
-    else
-        m_error = {fallbackCode, fallbackText};
+    const ErrorRecord error = code != 0 ? ErrorRecord{code, text} : ErrorRecord{fallbackCode, fallbackText};
+    // Nothing in the control shows it; the category lets a developer see it.
+    qCDebug(lcDocument, "error %d: %s%s", int(error.code), qPrintable(error.text),
+            m_error.code != 0 ? " (an earlier error is kept)" : "");
+    if (m_error.code == 0)
+        m_error = error;
 }
 
 // ---- node access layer ----------------------------------------------------
@@ -577,7 +570,7 @@ bool MappingDocument::SetNodeAttribute(const Node& node, const QString& name, co
     pugi::xml_attribute a = n.attribute(an.c_str());
     if (!a)
         a = n.append_attribute(an.c_str());
-    a.set_value(utf8(parsedLineEnds(value)).c_str());
+    a.set_value(utf8(LfText(value)).c_str());
     return true;
 }
 
@@ -617,7 +610,7 @@ QString MappingDocument::UnescapeXmlText(const QString& text)
 
 QString MappingDocument::DisplayText(const QString& text)
 {
-    return UnescapeXmlText(parsedLineEnds(text));
+    return UnescapeXmlText(LfText(text));
 }
 
 bool MappingDocument::SetText(const Node& node, const QString& text)
@@ -625,7 +618,7 @@ bool MappingDocument::SetText(const Node& node, const QString& text)
     if (!node)
         return false;
     pugi::xml_node n = toPugi(node.m_node);
-    const QString value = parsedLineEnds(text);
+    const QString value = LfText(text);
     if (n.type() != pugi::node_element)
         return n.set_value(utf8(value).c_str());
     while (n.first_child())
@@ -927,7 +920,7 @@ void MappingDocument::fillRule(const Node& element, const QString& rule)
         return;
     SetText(element, rule);
     // TYPE follows the text as it is stored, whatever form its breaks had.
-    const bool lines = parsedLineEnds(rule).contains(u'\n');
+    const bool lines = LfText(rule).contains(u'\n');
     SetNodeAttribute(element, QStringLiteral("TYPE"), lines ? QStringLiteral("1") : QStringLiteral("0"));
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/document/TextRules.h"
 
+#include <algorithm>
 #include <exception>
 
 namespace fb {
@@ -52,10 +53,84 @@ QString ReadDumpText(const QString& rest, int nextDump)
     return text.mid(b, e - b);
 }
 
+void WalkKeyword(const QString& text, const QString& keyword,
+                 const std::function<bool(const QString& rest, int p, qsizetype offset)>& visit)
+{
+    const int n = int(keyword.size());
+    QString rest = text;
+    qsizetype offset = 0;
+    int p = str::InStrText(rest, keyword);
+    while (p > 0) {
+        if (!visit(rest, p, offset) || rest.size() <= p + n)
+            return;
+        offset += p - 1 + n;
+        rest = str::Mid(rest, p + n);
+        p = str::InStrText(rest, keyword);
+    }
+}
+
+bool IsWholeKeyword(const QString& rest, int p, int n)
+{
+    return rest.size() > p + n && IsSeparator(charAt(rest, p + n)) && (p == 1 || IsSeparator(charAt(rest, p - 1)));
+}
+
+std::optional<qint16> DumpNumber(const QString& word)
+{
+    const auto number = str::ToInteger(word);
+    if (number && *number >= 1 && *number <= 999)
+        return number;
+    return std::nullopt;
+}
+
+bool IsValidTableName(const QString& name)
+{
+    if (name.size() != 8 || !str::IsNumeric(name.mid(5, 3)))
+        return false;
+    for (int i = 0; i < 5; ++i)
+        if (str::IsNumeric(name.mid(i, 1)))
+            return false;
+    return true;
+}
+
+QList<KeywordSpan> KeywordSpans(const QString& text)
+{
+    QList<KeywordSpan> spans;
+    for (const QString& keyword : {kMigrate, kDump}) {
+        const bool migrate = keyword == kMigrate;
+        const int n = int(keyword.size());
+        WalkKeyword(text, keyword, [&](const QString& rest, int p, qsizetype offset) {
+            // A "migrate" with at most one character after it ends the scan.
+            if (migrate && rest.size() <= p + n)
+                return false;
+            if (!IsWholeKeyword(rest, p, n))
+                return true;
+            KeywordSpan span{offset + p - 1, n, -1, 0, false};
+            // The word that follows, as the scanner reads it.
+            qsizetype i = offset + p - 1 + n;
+            while (i < text.size() && IsSeparator(text[i]))
+                ++i;
+            qsizetype end = i;
+            while (end < text.size() && !IsSeparator(text[end]))
+                ++end;
+            if (end > i) {
+                span.argumentStart = i;
+                span.argumentLength = end - i;
+                const QString word = text.mid(i, end - i);
+                span.argumentValid = migrate ? IsValidTableName(word) : DumpNumber(word).has_value();
+            }
+            spans.append(span);
+            return true;
+        });
+    }
+    std::sort(spans.begin(), spans.end(),
+              [](const KeywordSpan& a, const KeywordSpan& b) { return a.start < b.start; });
+    return spans;
+}
+
 bool ScriptScanner::IsKeywordAt(const QString& text, int p, int n, const QString& message)
 {
     if (text.size() > p + n)
-        return IsSeparator(charAt(text, p + n)) && (p == 1 || IsSeparator(charAt(text, p - 1)));
+        return IsWholeKeyword(text, p, n);
     if (p == 1) {
         m_ui.MsgBox(message, MsgButtons::Ok, MsgIcon::Critical);
         return false;
@@ -88,29 +163,20 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
         return false;
     try {
         m_doc.MigrateTables() = QStringList{QString()};
-        QString rest = text;
-        int length = int(rest.size());
-        int p = str::InStrText(rest, kMigrate);
-        while (p > 0) {
-            if (length <= p + kMigrateLen) {
+        WalkKeyword(text, kMigrate, [this](const QString& rest, int p, qsizetype) {
+            if (rest.size() <= p + kMigrateLen) {
                 m_ui.MsgBox(QStringLiteral("Migrate Keyword Has to be followed by a TableName"), MsgButtons::Ok,
                             MsgIcon::Critical);
-                break;
+                return false;
             }
-            const bool whole =
-                IsKeywordAt(rest, p, kMigrateLen, QStringLiteral("Migrate Keyword has to followed by a TableName"));
-            if (whole) {
+            if (IsKeywordAt(rest, p, kMigrateLen, QStringLiteral("Migrate Keyword has to followed by a TableName"))) {
                 qint32 consumed = 0;
                 const QString name = str::Trim(NextWord(str::Mid(rest, p + kMigrateLen), consumed));
                 if (!name.isEmpty())
                     AddMigrateTable(name);
             }
-            if (rest.size() <= p + kMigrateLen)
-                break;
-            rest = str::Mid(rest, p + kMigrateLen);
-            length = int(rest.size());
-            p = str::InStrText(rest, kMigrate);
-        }
+            return true;
+        });
     } catch (const std::exception& e) {
         m_doc.RecordError(0, QString::fromUtf8(e.what()), kErrParse, QStringLiteral("Error Parsing the Migrate Keyword"));
         return false;
@@ -129,10 +195,7 @@ bool ScriptScanner::AddMigrateTable(const QString& name)
         m_ui.FocusPreconditionEditor();
         return false;
     }
-    bool valid = str::IsNumeric(name.mid(5, 3));
-    for (int i = 0; i < 5 && valid; ++i)
-        valid = !str::IsNumeric(name.mid(i, 1));
-    if (!valid) {
+    if (!IsValidTableName(name)) {
         m_ui.MsgBox(QStringLiteral("Invalid table name '") + name + u'\'', MsgButtons::Ok, MsgIcon::Critical);
         m_ui.FocusPreconditionEditor();
         return false;
@@ -146,23 +209,18 @@ bool ScriptScanner::AddMigrateTable(const QString& name)
 
 void ScriptScanner::ScanDumpReferences(const QString& text)
 {
-    QString rest = text;
-    int p = str::InStrText(rest, kDump);
-    while (p > 0) {
+    WalkKeyword(text, kDump, [this](const QString& rest, int p, qsizetype) {
         const bool whole =
             IsKeywordAt(rest, p, kDumpLen, QStringLiteral("Dump Keyword Must be Followed by a Dump Number"));
-        if (rest.size() <= p + kDumpLen)
-            return;
-        rest = str::Mid(rest, p + kDumpLen);
-        const int next = str::InStrText(rest, kDump);
-        if (whole) {
+        if (whole && rest.size() > p + kDumpLen) {
+            const QString after = str::Mid(rest, p + kDumpLen);
             qint32 consumed = 0;
-            const QString word = NextWord(rest, consumed);
-            if (const auto number = str::ToInteger(word); number && *number >= 1 && *number <= 999)
-                m_doc.AddDumpReference(*number, ReadDumpText(rest, next));
+            const QString word = NextWord(after, consumed);
+            if (const auto number = DumpNumber(word))
+                m_doc.AddDumpReference(*number, ReadDumpText(after, str::InStrText(after, kDump)));
         }
-        p = next;
-    }
+        return true;
+    });
 }
 
 void ScriptScanner::RegisterDumps(const QString& /*table*/)

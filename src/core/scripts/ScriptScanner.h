@@ -6,6 +6,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <optional>
+
 namespace fb {
 
 // Word separators of the scripts: line feed, carriage return, tab and space;
@@ -21,6 +24,34 @@ bool ListContains(const QStringList& list, const QString& name);
 // the keyword; nextDump is the 1-based position of the next "dump" in rest
 // (0 for none).
 QString ReadDumpText(const QString& rest, int nextDump);
+
+// The keywords of a text as the scanner reads them: each whole "migrate" or
+// "dump" (positions in UTF-16 code units, from 0), with the word that follows
+// it and whether the scanner takes that word (a valid table name, a dump
+// number from 1 to 999). What a script editor colours comes from here.
+struct KeywordSpan {
+    qsizetype start;
+    qsizetype length;
+    qsizetype argumentStart; // -1 when no word follows
+    qsizetype argumentLength;
+    bool argumentValid;
+};
+QList<KeywordSpan> KeywordSpans(const QString& text);
+
+// The scanner's walk over the occurrences of a keyword (found without regard
+// to case): visit gets the rest of the text that the occurrence was found in,
+// its 1-based position p in that rest and the rest's offset in the text, and
+// answers whether to go on. The rest after an occurrence starts right behind
+// the keyword, so a keyword directly after another one stands at the rest's
+// start.
+void WalkKeyword(const QString& text, const QString& keyword,
+                 const std::function<bool(const QString& rest, int p, qsizetype offset)>& visit);
+
+// A valid source-table name: 8 characters, the first 5 not numeric, the last
+// 3 numeric.
+bool IsValidTableName(const QString& name);
+// A dump number: a whole number from 1 to 999.
+std::optional<qint16> DumpNumber(const QString& word);
 
 // The scanner of the two keywords that carry structure in the scripts:
 // "migrate" names a source table to read, "dump" a numbered dump. Keywords
