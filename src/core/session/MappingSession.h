@@ -42,6 +42,8 @@ public:
     };
     Q_ENUM(Box)
     Q_ENUM(Command)
+    Q_ENUM(ScriptView)
+    Q_ENUM(Focus)
 
     explicit MappingSession(Interaction& ui, QObject* parent = nullptr);
     ~MappingSession() override;
