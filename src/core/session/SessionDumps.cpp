@@ -97,6 +97,8 @@ QStringList MappingSession::dumpEntries() const
 
 qint16 MappingSession::SelectedDumpNumber() const
 {
+    Q_ASSERT(m_dumpIndex >= -1 && m_dumpIndex < m_dumpNumbers.size());
+    Q_ASSERT(m_dumpNumbers.size() == m_dumpTexts.size());
     return m_dumpIndex >= 0 ? m_dumpNumbers[m_dumpIndex] : 0;
 }
 

@@ -75,11 +75,13 @@ void MappingSession::setFieldMapping(const QString& rule)
 
 void MappingSession::setGridCurrent(int row, int column)
 {
-    moveGridCurrent(row, column);
+    const bool valid = row >= 0 && row < m_rules.rowCount() && column >= 0 && column <= 1;
+    moveGridCurrent(valid ? row : -1, valid ? column : -1);
 }
 
 void MappingSession::moveGridCurrent(int row, int column, bool scrollToTopIfHidden)
 {
+    Q_ASSERT(row >= -1 && row < m_rules.rowCount() && column >= -1 && column <= 1);
     if (row == m_gridRow && column == m_gridColumn)
         return;
     const int previous = m_gridRow;
@@ -121,6 +123,7 @@ void MappingSession::GridEdit(short keyAscii)
 
 void MappingSession::openOverlay(const QString& typed)
 {
+    Q_ASSERT(!m_overlayOpen || m_gridRow >= 0);
     if (m_gridRow < 0) {
         if (m_rules.rowCount() == 0)
             return;
