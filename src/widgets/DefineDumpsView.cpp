@@ -245,6 +245,8 @@ void DefineDumpsView::showOverlay()
     m_txtgrdline->moveCursor(QTextCursor::End);
 }
 
+// Every connection of the tab in one list, so that what reaches the session
+// and what comes back can be read together.
 void DefineDumpsView::connectSession()
 {
     using Box = MappingSession::Box;

@@ -151,6 +151,8 @@ void MappingObjectView::showArrangement()
     LayoutChildren();
 }
 
+// The whole page laid out in one place: each position follows from the ones
+// placed before it.
 void MappingObjectView::LayoutChildren()
 {
     const auto px = [this](int t) { return TwipsToPixelsX(t, this); };

@@ -65,6 +65,9 @@ constexpr int kMaxNestingDepth = 1000;
 // XML forbids. Text with any of these is not well-formed; this scan of the
 // raw text finds them, so that such a document is refused as a whole rather
 // than silently changed.
+// One pass over the text with the state it needs (open elements, an internal
+// subset seen, the reference and bracket readers sharing it): longer than a
+// function should be, kept whole so that the text is scanned once.
 bool PassesMarkupChecks(QStringView t)
 {
     const qsizetype n = t.size();

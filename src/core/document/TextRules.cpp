@@ -45,6 +45,7 @@ std::optional<double> parseRadix(QStringView digits, int radix)
 
 } // namespace
 
+// The grammar of the numeric test in one place, read from left to right.
 std::optional<double> NumericValue(const QString& text)
 {
     const QStringView s = trimBlanks(text);
