@@ -47,21 +47,158 @@ bool canHoldElements(pugi::xml_node n)
 
 } // namespace
 
+// ---- the index of the root's children --------------------------------------
+
+const MappingDocument::Impl::RootIndex& MappingDocument::Impl::rootIndex() const
+{
+    if (index.valid)
+        return index;
+    index.byName.clear();
+    index.byAttribute.clear();
+    index.root = doc.document_element();
+    for (pugi::xml_node c = index.root.first_child(); c; c = c.next_sibling())
+        if (c.type() == pugi::node_element)
+            index.byName[QByteArray(c.name())].push_back(c);
+    index.valid = true;
+    return index;
+}
+
+void MappingDocument::Impl::indexAppended(pugi::xml_node child) const
+{
+    if (!index.valid || child.parent() != index.root)
+        return;
+    const QByteArray name(child.name());
+    index.byName[name].push_back(child);
+    // Appended last, the child is the first of its value only when there was
+    // none before it.
+    for (auto it = index.byAttribute.begin(); it != index.byAttribute.end(); ++it) {
+        const qsizetype at = it.key().indexOf('@');
+        if (it.key().left(at) != name)
+            continue;
+        const pugi::xml_attribute a = child.attribute(it.key().constData() + at + 1);
+        if (a && !it->contains(QByteArray(a.value())))
+            it->insert(QByteArray(a.value()), child);
+    }
+}
+
+const QHash<QByteArray, pugi::xml_node>& MappingDocument::Impl::attributeIndex(const QByteArray& name,
+                                                                              const char* attribute) const
+{
+    const RootIndex& i = rootIndex();
+    const QByteArray key = name + '@' + attribute;
+    auto it = index.byAttribute.find(key);
+    if (it != index.byAttribute.end())
+        return *it;
+    QHash<QByteArray, pugi::xml_node> values;
+    for (const pugi::xml_node& c : i.byName.value(name)) {
+        const pugi::xml_attribute a = c.attribute(attribute);
+        if (a && !values.contains(QByteArray(a.value())))
+            values.insert(QByteArray(a.value()), c);
+    }
+    return *index.byAttribute.insert(key, std::move(values));
+}
+
+std::vector<pugi::xml_node> MappingDocument::Impl::select(const QString& path, const QString& attrName,
+                                                          const QString& attrValue, bool firstOnly) const
+{
+    std::vector<pugi::xml_node> found;
+    auto cached = steps.constFind(path);
+    if (cached == steps.cend()) {
+        std::vector<std::string> parsed;
+        if (path.startsWith(u'/')) {
+            for (const QString& s : path.mid(1).split(u'/')) {
+                if (s.isEmpty()) {
+                    parsed.clear();
+                    break;
+                }
+                parsed.push_back(detail::utf8(s));
+            }
+        }
+        cached = steps.insert(path, parsed);
+    }
+    const std::vector<std::string>& parts = *cached;
+    const std::string an = detail::utf8(attrName);
+    const std::string av = detail::utf8(attrValue);
+    const bool test = !attrName.isEmpty();
+    const auto matches = [&](pugi::xml_node n) {
+        if (!test)
+            return true;
+        const pugi::xml_attribute a = n.attribute(an.c_str());
+        return a && av == a.value();
+    };
+    if (parts.size() < 2) {
+        // The root alone (or nothing): no index needed.
+        const pugi::xml_node root = doc.document_element();
+        if (parts.size() == 1 && root && parts[0] == root.name() && matches(root))
+            found.push_back(root);
+        return found;
+    }
+    const RootIndex& i = rootIndex();
+    if (!i.root || parts[0] != i.root.name())
+        return found;
+    const QByteArray section = QByteArray::fromRawData(parts[1].data(), qsizetype(parts[1].size()));
+    if (parts.size() == 2 && test && firstOnly) {
+        const pugi::xml_node n = attributeIndex(QByteArray(section), an.c_str()).value(QByteArray(av.c_str()));
+        if (n)
+            found.push_back(n);
+        return found;
+    }
+    // Depth-first in document order over the matching steps below each
+    // matching child of the root.
+    struct Frame {
+        pugi::xml_node node;
+        size_t depth;
+    };
+    std::vector<Frame> stack;
+    for (const pugi::xml_node& c : i.byName.value(section)) {
+        stack.push_back({c, 1});
+        while (!stack.empty()) {
+            const Frame f = stack.back();
+            stack.pop_back();
+            if (f.depth + 1 == parts.size()) {
+                if (!matches(f.node))
+                    continue;
+                found.push_back(f.node);
+                if (firstOnly)
+                    return found;
+                continue;
+            }
+            const size_t mark = stack.size();
+            for (pugi::xml_node k = f.node.first_child(); k; k = k.next_sibling())
+                if (k.type() == pugi::node_element && parts[f.depth + 1] == k.name())
+                    stack.push_back({k, f.depth + 1});
+            std::reverse(stack.begin() + std::ptrdiff_t(mark), stack.end());
+        }
+    }
+    return found;
+}
+
 MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(str::FixedWidth(QString(), 8)) {}
 
 MappingDocument::~MappingDocument() = default;
 
+void MappingDocument::touchChildrenOf(pugi::xml_node_struct* node)
+{
+    // The children of the root (or the root itself) are about to change.
+    const pugi::xml_node n(node);
+    if (n == d->doc.document_element() || n.type() == pugi::node_document)
+        d->invalidate();
+}
+
 bool MappingDocument::LoadXml(const QString& text)
 {
+    d->invalidate();
     d->doc.reset();
+    d->buffer.clear();
     m_dumps.clear();
     m_knownDumps.clear();
     m_migrateTables = QStringList{QString()};
 
     bool ok = detail::PassesMarkupChecks(text);
     if (ok) {
-        const QByteArray bytes = text.toUtf8();
-        ok = bool(d->doc.load_buffer(bytes.constData(), size_t(bytes.size()), kParseFlags, pugi::encoding_utf8));
+        d->buffer = text.toUtf8();
+        ok = bool(d->doc.load_buffer_inplace(d->buffer.data(), size_t(d->buffer.size()), kParseFlags,
+                                             pugi::encoding_utf8));
     }
     if (ok) {
         // Exactly one root element, and nothing but markup around it.
@@ -82,6 +219,7 @@ bool MappingDocument::LoadXml(const QString& text)
         detail::NormaliseTextLineEnds(d->doc);
     if (!ok) {
         d->doc.reset();
+        d->buffer.clear();
         RecordError(kErrInvalidXml, QString::fromUtf16(kInvalidXmlText), 0, QString());
     }
     return ok;
@@ -124,35 +262,43 @@ void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallb
 
 // ---- node access layer ----------------------------------------------------
 
+QString MappingDocument::expressionFailure(const QString& path, const QString& attrName, const QString& attrValue)
+{
+    // The value goes into the expression unquoted: an apostrophe breaks it.
+    // Such a lookup is refused as a malformed expression even where the
+    // broken expression would happen to parse.
+    if (attrValue.contains(u'\''))
+        return QStringLiteral("Unexpected apostrophe in expression: ") + path + QStringLiteral("[@") + attrName +
+               QStringLiteral("='") + attrValue + QStringLiteral("']");
+    // Whether an expression compiles depends on its path and attribute name
+    // only: a string literal takes any character but its quote (and a NUL,
+    // which ends the expression). So each pair is compiled once.
+    const bool plain = !attrValue.contains(QChar(0));
+    const QString key = path + QChar(1) + attrName;
+    if (plain) {
+        if (const auto known = d->compiled.constFind(key); known != d->compiled.cend())
+            return *known;
+    }
+    const QString expr = attrName.isEmpty() ? path
+                                            : path + QStringLiteral("[@") + attrName + QStringLiteral("='") +
+                                                  attrValue + QStringLiteral("']");
+    QString failure;
+    try {
+        pugi::xpath_query check(utf8(expr).c_str());
+    } catch (const pugi::xpath_exception& e) {
+        failure = QString::fromUtf8(e.what());
+    }
+    if (plain)
+        d->compiled.insert(key, failure);
+    return failure;
+}
+
 Node MappingDocument::GetNode(const QString& path, const QString& attrName, const QString& attrValue)
 {
-    if (!attrName.isEmpty()) {
-        // The value goes into the expression unquoted: an apostrophe breaks it.
-        // Such a lookup is refused as a malformed expression even where the
-        // broken expression would happen to parse.
-        const QString expr = path + QStringLiteral("[@") + attrName + QStringLiteral("='") + attrValue +
-                             QStringLiteral("']");
-        QString failure;
-        if (attrValue.contains(u'\'')) {
-            failure = QStringLiteral("Unexpected apostrophe in expression: ") + expr;
-        } else {
-            try {
-                pugi::xpath_query check(utf8(expr).c_str());
-            } catch (const pugi::xpath_exception& e) {
-                failure = QString::fromUtf8(e.what());
-            }
-        }
-        if (!failure.isNull()) {
-            RecordError(0, failure, kErrGetNode, QString::fromUtf16(kGetNodeText));
-            return Node();
-        }
-    } else {
-        try {
-            pugi::xpath_query check(utf8(path).c_str());
-        } catch (const pugi::xpath_exception& e) {
-            RecordError(0, QString::fromUtf8(e.what()), kErrGetNode, QString::fromUtf16(kGetNodeText));
-            return Node();
-        }
+    const QString failure = expressionFailure(path, attrName, attrValue);
+    if (!failure.isNull()) {
+        RecordError(0, failure, kErrGetNode, QString::fromUtf16(kGetNodeText));
+        return Node();
     }
     const auto found = d->select(path, attrName, attrValue, true);
     return found.empty() ? Node() : Node(found.front().internal_object());
@@ -176,6 +322,16 @@ QString MappingDocument::GetNodeAttribute(const Node& node, const QString& name)
 }
 
 bool MappingDocument::SetNodeAttribute(const Node& node, const QString& name, const QString& value)
+{
+    if (!setAttribute(node, name, value))
+        return false;
+    // A child of the root changed an attribute that an index may hold.
+    if (toPugi(node.m_node).parent() == d->doc.document_element())
+        d->dropAttributeIndexes();
+    return true;
+}
+
+bool MappingDocument::setAttribute(const Node& node, const QString& name, const QString& value)
 {
     if (!node)
         return false;
@@ -213,7 +369,11 @@ Node MappingDocument::AppendChildElement(const Node& parent, const QString& name
         return Node();
     const Node result(child.internal_object());
     if (!attrName.isEmpty())
-        SetNodeAttribute(result, attrName, attrValue);
+        setAttribute(result, attrName, attrValue);
+    if (p.type() == pugi::node_document)
+        d->invalidate();
+    else
+        d->indexAppended(child);
     return result;
 }
 
@@ -239,6 +399,7 @@ bool MappingDocument::SetText(const Node& node, const QString& text)
         return false;
     pugi::xml_node n = toPugi(node.m_node);
     const QString value = LfText(text);
+    touchChildrenOf(n.internal_object());
     if (n.type() != pugi::node_element)
         return n.set_value(utf8(value).c_str());
     while (n.first_child())
@@ -252,6 +413,7 @@ bool MappingDocument::RemoveChild(const Node& parent, const Node& child)
 {
     if (!parent || !child || child.parent() != parent)
         return false;
+    touchChildrenOf(parent.m_node);
     return toPugi(parent.m_node).remove_child(toPugi(child.m_node));
 }
 
@@ -260,6 +422,7 @@ void MappingDocument::RemoveChildNodes(const Node& node)
     pugi::xml_node n = toPugi(node.m_node);
     if (!n)
         return;
+    touchChildrenOf(n.internal_object());
     while (n.first_child())
         n.remove_child(n.first_child());
 }
@@ -271,6 +434,7 @@ Node MappingDocument::AppendCopy(const Node& parent, const Node& source)
     pugi::xml_node p = toPugi(parent.m_node);
     if (!canHoldElements(p))
         return Node();
+    touchChildrenOf(p.internal_object());
     return Node(p.append_copy(toPugi(source.m_node)).internal_object());
 }
 

@@ -187,6 +187,11 @@ private:
                             const QString& attrValue = QString());
     bool setSectionText(const QString& section, const QString& text);
     Node findQueryExactly(const QString& source);
+    // Sets an attribute without telling the root's index.
+    bool setAttribute(const Node& node, const QString& name, const QString& value);
+    void touchChildrenOf(pugi::xml_node_struct* node);
+    // Why the lookup's expression is malformed, or a null text.
+    QString expressionFailure(const QString& path, const QString& attrName, const QString& attrValue);
     void fillRule(const Node& element, const QString& rule);
 };
 

@@ -8,6 +8,8 @@
 
 #include <pugixml.hpp>
 
+#include <QByteArray>
+#include <QHash>
 #include <QString>
 
 #include <cstring>
@@ -44,63 +46,42 @@ namespace fb {
 
 struct MappingDocument::Impl {
     pugi::xml_document doc;
+    // The text the document was parsed from, in place: the DOM's strings
+    // point into it, so it lives as long as the document does.
+    QByteArray buffer;
+
+    // The root element's children by name, and for a name and an attribute
+    // the first child of that name with each value. Almost every lookup is
+    // "/root/SECTION" with or without one attribute test (a dump by its No);
+    // with these they take no walk over the root's children. Kept in step by
+    // the document's own mutations: an append extends them, anything else
+    // that changes the root's children or their indexed attributes drops them.
+    struct RootIndex {
+        bool valid = false;
+        pugi::xml_node root;
+        QHash<QByteArray, std::vector<pugi::xml_node>> byName;
+        QHash<QByteArray, QHash<QByteArray, pugi::xml_node>> byAttribute; // key: name + '@' + attribute
+    };
+    mutable RootIndex index;
+    // Paths split into steps, by path.
+    mutable QHash<QString, std::vector<std::string>> steps;
+    // Whether an expression compiles, by path and attribute name: its
+    // failure, or a null text.
+    QHash<QString, QString> compiled;
+
+    void invalidate() const { index.valid = false; }
+    void dropAttributeIndexes() const { index.byAttribute.clear(); }
+    const RootIndex& rootIndex() const;
+    // A child appended to the root element, its attributes set.
+    void indexAppended(pugi::xml_node child) const;
+    const QHash<QByteArray, pugi::xml_node>& attributeIndex(const QByteArray& name, const char* attribute) const;
 
     // All elements that an absolute path of plain steps names, in document
     // order. Each step is compared exactly with an element name, blanks
     // included, so a blank-padded table name finds nothing. With an attribute
     // name, only elements whose attribute has exactly that value qualify.
     std::vector<pugi::xml_node> select(const QString& path, const QString& attrName, const QString& attrValue,
-                                       bool firstOnly) const
-    {
-        std::vector<pugi::xml_node> found;
-        if (!path.startsWith(u'/'))
-            return found;
-        const QStringList stepList = path.mid(1).split(u'/');
-        std::vector<std::string> steps;
-        steps.reserve(size_t(stepList.size()));
-        for (const QString& s : stepList) {
-            if (s.isEmpty())
-                return found;
-            steps.push_back(detail::utf8(s));
-        }
-        const std::string an = detail::utf8(attrName);
-        const std::string av = detail::utf8(attrValue);
-        const bool test = !attrName.isEmpty();
-
-        // Depth-first in document order over the matching steps.
-        struct Frame {
-            pugi::xml_node node;
-            size_t depth;
-        };
-        std::vector<Frame> stack;
-        auto pushChildren = [&](pugi::xml_node parent, size_t depth) {
-            // Push in reverse so the first child is handled first.
-            const size_t mark = stack.size();
-            for (pugi::xml_node c = parent.first_child(); c; c = c.next_sibling())
-                if (c.type() == pugi::node_element && std::strcmp(c.name(), steps[depth].c_str()) == 0)
-                    stack.push_back({c, depth});
-            std::reverse(stack.begin() + std::ptrdiff_t(mark), stack.end());
-        };
-        pushChildren(doc, 0);
-        while (!stack.empty()) {
-            const Frame f = stack.back();
-            stack.pop_back();
-            if (f.depth + 1 == steps.size()) {
-                if (test) {
-                    const pugi::xml_attribute a = f.node.attribute(an.c_str());
-                    if (!a || av != a.value())
-                        continue;
-                }
-                found.push_back(f.node);
-                if (firstOnly)
-                    return found;
-            } else {
-                pushChildren(f.node, f.depth + 1);
-            }
-        }
-        return found;
-    }
+                                       bool firstOnly) const;
 };
-
 
 } // namespace fb
