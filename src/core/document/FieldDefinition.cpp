@@ -6,24 +6,24 @@ FieldDefinition FieldDefinition::Read(const Node& field)
 {
     FieldDefinition d;
     d.elementName = field.name();
-    d.no = field.attribute(QStringLiteral("No"));
-    d.fieldNumber = field.attribute(QStringLiteral("FNo"));
-    d.type = field.attribute(QStringLiteral("TYPE"));
-    d.length = field.attribute(QStringLiteral("LENG"));
-    d.digitsBefore = field.attribute(QStringLiteral("DIGB"));
-    d.digitsAfter = field.attribute(QStringLiteral("DIGA"));
-    d.description = field.attribute(QStringLiteral("DSCA"));
-    d.alignment = field.attribute(QStringLiteral("ADJU"));
-    d.letterCase = field.attribute(QStringLiteral("CASE"));
-    d.domain = field.attribute(QStringLiteral("DOMAIN"));
-    d.mandatory = field.attribute(QStringLiteral("MAN"));
-    d.dependency = field.attribute(QStringLiteral("DEP"));
+    d.no = field.attribute("No");
+    d.fieldNumber = field.attribute("FNo");
+    d.type = field.attribute("TYPE");
+    d.length = field.attribute("LENG");
+    d.digitsBefore = field.attribute("DIGB");
+    d.digitsAfter = field.attribute("DIGA");
+    d.description = field.attribute("DSCA");
+    d.alignment = field.attribute("ADJU");
+    d.letterCase = field.attribute("CASE");
+    d.domain = field.attribute("DOMAIN");
+    d.mandatory = field.attribute("MAN");
+    d.dependency = field.attribute("DEP");
     return d;
 }
 
 QString TableDescription(const Node& table)
 {
-    return table.attribute(QStringLiteral("DSCA"));
+    return table.attribute("DSCA");
 }
 
 } // namespace fb

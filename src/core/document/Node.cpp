@@ -54,6 +54,14 @@ QString Node::attribute(const QString& name) const
     return a ? fromUtf8(a.value()) : QString();
 }
 
+QString Node::attribute(const char* name) const
+{
+    if (!m_node)
+        return QString();
+    const pugi::xml_attribute a = toPugi(m_node).attribute(name);
+    return a ? fromUtf8(a.value()) : QString();
+}
+
 bool Node::hasAttribute(const QString& name) const
 {
     return m_node && bool(toPugi(m_node).attribute(utf8(name).c_str()));
@@ -89,11 +97,13 @@ Node Node::nextSiblingElement() const
 
 Node Node::childElement(const QString& name) const
 {
-    if (!m_node)
-        return Node();
-    const std::string n = utf8(name);
+    return m_node ? childElement(utf8(name).c_str()) : Node();
+}
+
+Node Node::childElement(const char* name) const
+{
     for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling())
-        if (c.type() == pugi::node_element && std::strcmp(c.name(), n.c_str()) == 0)
+        if (c.type() == pugi::node_element && std::strcmp(c.name(), name) == 0)
             return Node(c.internal_object());
     return Node();
 }

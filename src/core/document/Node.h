@@ -30,6 +30,8 @@ public:
     QString text() const;
     // The attribute's value, or "" when the node has no such attribute.
     QString attribute(const QString& name) const;
+    // The same for a name known in advance (ASCII): no copy of the name.
+    QString attribute(const char* name) const;
     bool hasAttribute(const QString& name) const;
 
     Node parent() const;
@@ -38,6 +40,7 @@ public:
     Node nextSiblingElement() const;
     // The first child element with exactly this name (case-sensitive).
     Node childElement(const QString& name) const;
+    Node childElement(const char* name) const;
     QList<Node> childElements() const;
     // Every child node, whatever its kind, in document order.
     QList<Node> childNodes() const;

@@ -239,7 +239,7 @@ QString MappingDocument::GetDumpChildText(qint16 number, const QString& name)
 
 QString MappingDocument::DumpTargetTable(const Node& dump)
 {
-    return dump.attribute(QStringLiteral("TT"));
+    return dump.attribute("TT");
 }
 
 bool MappingDocument::SetDumpTargetTable(const Node& dump, const QString& table)
@@ -249,12 +249,12 @@ bool MappingDocument::SetDumpTargetTable(const Node& dump, const QString& table)
 
 std::optional<qint16> MappingDocument::ElementNo(const Node& element)
 {
-    return str::ToInteger(element.attribute(QStringLiteral("No")));
+    return str::ToInteger(element.attribute("No"));
 }
 
 QString MappingDocument::DocText(const Node& element)
 {
-    return element.attribute(QStringLiteral("TEXT"));
+    return element.attribute("TEXT");
 }
 
 bool MappingDocument::SetDocText(const Node& element, const QString& text)
@@ -266,7 +266,7 @@ Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, cons
 {
     Node element = dump.childElement(field.name());
     if (element)
-        SetNodeAttribute(element, QStringLiteral("No"), field.attribute(QStringLiteral("No")));
+        SetNodeAttribute(element, QStringLiteral("No"), field.attribute("No"));
     else
         element = AppendRuleElement(dump, field);
     fillRule(element, rule);
@@ -276,7 +276,7 @@ Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, cons
 Node MappingDocument::AppendRuleElement(const Node& dump, const Node& field, const QString& rule)
 {
     const Node element =
-        AppendChildElement(dump, field.name(), QStringLiteral("No"), field.attribute(QStringLiteral("No")));
+        AppendChildElement(dump, field.name(), QStringLiteral("No"), field.attribute("No"));
     SetNodeAttribute(element, QStringLiteral("TEXT"), QString());
     if (!rule.isNull())
         fillRule(element, rule);
@@ -332,7 +332,7 @@ Node MappingDocument::GetTargetTableNode(qint16 dumpNumber, const QString& selec
         qint16 n = dumpNumber;
         if (n == 0)
             n = selectorTag.isEmpty() ? m_dumps.numbers.first() : str::ToInteger(selectorTag).value_or(0);
-        table = n != 0 ? GetDumpNode(n).attribute(QStringLiteral("TT")) : m_tableName;
+        table = n != 0 ? GetDumpNode(n).attribute("TT") : m_tableName;
     }
     if (table.isEmpty())
         return Node();
@@ -343,7 +343,7 @@ qint16 MappingDocument::GetDependencyLevel(const Node& field)
 {
     if (!field)
         return 1;
-    const QString dep = field.attribute(QStringLiteral("DEP"));
+    const QString dep = field.attribute("DEP");
     if (!str::IsNumeric(dep) || dep == u"0")
         return 1;
     return str::ToInteger(dep).value_or(1);
@@ -396,7 +396,7 @@ void MappingDocument::SetRuleTextNumber(qint32 number, qint16 dump, const QStrin
 void MappingDocument::RemoveQueriesNotIn(const QStringList& sources)
 {
     for (const Node& q : QueryNodes()) {
-        if (!sources.contains(q.attribute(QStringLiteral("ST"))))
+        if (!sources.contains(q.attribute("ST")))
             RemoveChild(q.parent(), q);
     }
 }
@@ -404,7 +404,7 @@ void MappingDocument::RemoveQueriesNotIn(const QStringList& sources)
 void MappingDocument::RemoveDumpsNotIn(const DumpReferences& dumps)
 {
     for (const Node& dump : DumpNodes()) {
-        const auto no = str::ToInteger(dump.attribute(QStringLiteral("No")));
+        const auto no = str::ToInteger(dump.attribute("No"));
         if (!no || !dumps.contains(*no))
             RemoveChild(dump.parent(), dump);
     }
