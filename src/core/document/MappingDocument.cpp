@@ -194,7 +194,8 @@ bool MappingDocument::LoadXml(const QString& text)
     m_knownDumps.clear();
     m_migrateTables = QStringList{QString()};
 
-    bool ok = detail::PassesMarkupChecks(text);
+    const detail::MarkupVerdict verdict = detail::CheckMarkup(text);
+    bool ok = verdict.wellFormed;
     if (ok) {
         d->buffer = text.toUtf8();
         ok = bool(d->doc.load_buffer_inplace(d->buffer.data(), size_t(d->buffer.size()), kParseFlags,
@@ -209,13 +210,13 @@ bool MappingDocument::LoadXml(const QString& text)
             else if (c.type() == pugi::node_pcdata || c.type() == pugi::node_cdata)
                 ok = false;
         }
-        ok = ok && elements == 1 && !detail::HasRepeatedAttribute(d->doc);
+        ok = ok && elements == 1;
     }
     // Only a character reference can leave a CR in element text (the parser
     // turns literal ones into LF). The serialiser would write it as it is,
     // and the next parse would turn it into LF after all; doing that now
     // keeps every later read the same.
-    if (ok && text.contains(QStringLiteral("&#")))
+    if (ok && verdict.crInText)
         detail::NormaliseTextLineEnds(d->doc);
     if (!ok) {
         d->doc.reset();

@@ -34,10 +34,15 @@ inline QString fromUtf8(const char* s)
     return Utf8Text(s, qsizetype(std::strlen(s)));
 }
 
-// Markup that the parser accepts and XML does not, and what a character
-// reference can leave in element text (see MarkupChecks.cpp).
-bool PassesMarkupChecks(QStringView text);
-bool HasRepeatedAttribute(const pugi::xml_document& doc);
+// Markup that the parser accepts and XML does not (see MarkupChecks.cpp):
+// whether the text is well-formed, and whether a character reference puts a
+// CR into element text.
+struct MarkupVerdict {
+    bool wellFormed = false;
+    bool crInText = false;
+};
+MarkupVerdict CheckMarkup(QStringView text);
+// Each line break in element text as one LF.
 void NormaliseTextLineEnds(pugi::xml_document& doc);
 
 } // namespace fb::detail

@@ -6,31 +6,6 @@ namespace fb {
 
 namespace detail {
 
-// The parser takes an element that repeats an attribute name without
-// complaint. Such text is not well-formed, and serialising it again would
-// hand the same fault back to the host, so it is refused like any other.
-bool HasRepeatedAttribute(const pugi::xml_document& doc)
-{
-    pugi::xml_node cur = doc.first_child();
-    while (cur) {
-        if (cur.type() == pugi::node_element) {
-            for (pugi::xml_attribute a = cur.first_attribute(); a; a = a.next_attribute())
-                for (pugi::xml_attribute b = a.next_attribute(); b; b = b.next_attribute())
-                    if (std::strcmp(a.name(), b.name()) == 0)
-                        return true;
-        }
-        if (cur.first_child()) {
-            cur = cur.first_child();
-            continue;
-        }
-        while (cur && !cur.next_sibling())
-            cur = cur.parent();
-        if (cur)
-            cur = cur.next_sibling();
-    }
-    return false;
-}
-
 void NormaliseTextLineEnds(pugi::xml_document& doc)
 {
     for (pugi::xml_node cur = doc.first_child(); cur;) {
@@ -47,6 +22,8 @@ void NormaliseTextLineEnds(pugi::xml_document& doc)
     }
 }
 
+namespace {
+
 bool isXmlChar(char32_t c)
 {
     return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD) ||
@@ -60,38 +37,81 @@ bool isXmlChar(char32_t c)
 constexpr int kMaxNestingDepth = 1000;
 
 // The parser is lenient where XML is not: it keeps unknown entity references
-// and bare ampersands as text, cuts text at "&#0;", and accepts "<" in an
-// attribute value, "]]>" in text, "--" inside a comment and characters that
-// XML forbids. Text with any of these is not well-formed; this scan of the
-// raw text finds them, so that such a document is refused as a whole rather
-// than silently changed.
-// One pass over the text with the state it needs (open elements, an internal
-// subset seen, the reference and bracket readers sharing it): longer than a
-// function should be, kept whole so that the text is scanned once.
-bool PassesMarkupChecks(QStringView t)
-{
-    const qsizetype n = t.size();
-    for (qsizetype i = 0; i < n; ++i) {
-        const QChar c = t[i];
-        if (c.isHighSurrogate()) {
-            if (i + 1 < n && t[i + 1].isLowSurrogate()) {
+// and bare ampersands as text, cuts text at "&#0;", accepts "<" in an
+// attribute value, "]]>" in text, "--" inside a comment, an attribute given
+// twice and characters that XML forbids. Text with any of these is not
+// well-formed; this one pass over the raw text finds them, so that such a
+// document is refused as a whole rather than silently changed.
+class MarkupScan {
+public:
+    explicit MarkupScan(QStringView text) : m_t(text.utf16()), m_n(text.size()) {}
+
+    MarkupVerdict run()
+    {
+        qsizetype i = 0;
+        while (i < m_n) {
+            const char16_t c = m_t[i];
+            // The common case first: a character of text with no meaning.
+            if (c >= 0x20 && c < 0xD800 && c != u'<' && c != u'&' && c != u']') {
                 ++i;
                 continue;
             }
-            return false;
+            if (c == u'<') {
+                if (!markup(i))
+                    return {};
+                continue;
+            }
+            if (c == u'&') {
+                if (!reference(i, false))
+                    return {};
+            } else if (c == u']') {
+                if (i + 2 < m_n && m_t[i + 1] == u']' && m_t[i + 2] == u'>')
+                    return {};
+            } else if (!character(i)) {
+                return {};
+            }
+            ++i;
         }
-        if (c.isLowSurrogate() || !isXmlChar(c.unicode()))
-            return false;
+        return {true, m_crInText};
     }
 
-    bool internalSubset = false; // entities may be declared there
-    int openElements = 0;        // elements open at the current position
-    // A reference starting at t[i] == '&'; on success i is left on its ';'.
-    const auto reference = [&](qsizetype& i) {
-        const qsizetype semi = t.indexOf(u';', i + 1);
-        if (semi < 0)
+private:
+    bool startsWith(qsizetype i, QStringView s) const
+    {
+        return i + s.size() <= m_n && QStringView(m_t + i, s.size()) == s;
+    }
+
+    // The character at i (a surrogate pair taking i on to its second half).
+    bool character(qsizetype& i) const
+    {
+        const char16_t c = m_t[i];
+        if (QChar::isHighSurrogate(c)) {
+            if (i + 1 < m_n && QChar::isLowSurrogate(m_t[i + 1])) {
+                ++i;
+                return true;
+            }
             return false;
-        const QStringView name = t.mid(i + 1, semi - i - 1);
+        }
+        return !QChar::isLowSurrogate(c) && isXmlChar(c);
+    }
+
+    bool characters(qsizetype from, qsizetype to) const
+    {
+        for (qsizetype i = from; i < to; ++i)
+            if (!(m_t[i] >= 0x20 && m_t[i] < 0xD800) && !character(i))
+                return false;
+        return true;
+    }
+
+    // A reference starting at '&'; on success i is left on its ';'.
+    bool reference(qsizetype& i, bool inTag)
+    {
+        qsizetype semi = i + 1;
+        while (semi < m_n && m_t[semi] != u';')
+            ++semi;
+        if (semi >= m_n)
+            return false;
+        const QStringView name(m_t + i + 1, semi - i - 1);
         bool ok = false;
         if (name.startsWith(u'#')) {
             char32_t value = 0;
@@ -111,33 +131,100 @@ bool PassesMarkupChecks(QStringView t)
                 value = value * (hex ? 16 : 10) + char32_t(v);
             }
             ok = ok && isXmlChar(value);
+            m_crInText = m_crInText || (ok && value == 0xD && !inTag);
         } else {
             ok = name == u"lt" || name == u"gt" || name == u"amp" || name == u"quot" || name == u"apos" ||
-                 (internalSubset && IsXmlName(name.toString()));
+                 (m_internalSubset && IsXmlName(name.toString()));
         }
         if (ok)
             i = semi;
         return ok;
-    };
+    }
+
+    // Markup starting at '<': on success i is left behind it.
+    bool markup(qsizetype& i)
+    {
+        // Comments, CDATA sections and instructions run to their end mark;
+        // only a comment has rules for its body.
+        struct Kind {
+            QStringView open;
+            QStringView close;
+        };
+        static constexpr Kind kKinds[] = {{u"<!--", u"-->"}, {u"<![CDATA[", u"]]>"}, {u"<?", u"?>"}};
+        for (const Kind& k : kKinds) {
+            if (!startsWith(i, k.open))
+                continue;
+            const qsizetype body = i + k.open.size();
+            const qsizetype end = QStringView(m_t, m_n).indexOf(k.close, body);
+            if (end < 0 || !characters(body, end))
+                return false;
+            const QStringView text(m_t + body, end - body);
+            if (&k == &kKinds[0] && (text.contains(u"--") || text.endsWith(u'-')))
+                return false;
+            i = end + k.close.size();
+            return true;
+        }
+        // A document type or a tag: to the ">" that closes it.
+        const bool documentType = startsWith(i, u"<!");
+        const qsizetype close = closingBracket(i + (documentType ? 2 : 1), documentType);
+        if (close < 0)
+            return false;
+        if (!documentType) {
+            if (m_t[i + 1] == u'/')
+                --m_openElements;
+            else if (m_t[close - 1] != u'/' && ++m_openElements > kMaxNestingDepth)
+                return false;
+        }
+        i = close + 1;
+        return true;
+    }
 
     // The ">" that closes a tag or a document type, outside quoted values and
     // outside a document type's internal subset; -1 when there is none, or
-    // when a tag's quoted value holds "<" or a bad reference.
-    const auto closingBracket = [&](qsizetype from, bool documentType) -> qsizetype {
+    // when a tag's quoted value holds "<" or a bad reference, or a tag names
+    // an attribute twice.
+    qsizetype closingBracket(qsizetype from, bool documentType)
+    {
         int depth = 0;
-        QChar quote;
-        for (qsizetype j = from; j < n; ++j) {
-            const QChar c = t[j];
-            if (!quote.isNull()) {
+        char16_t quote = 0;
+        qsizetype token = -1;  // start of the name being read, outside quotes
+        qsizetype lastStart = -1, lastEnd = -1;
+        m_attributes.clear();
+        for (qsizetype j = from; j < m_n; ++j) {
+            const char16_t c = m_t[j];
+            if (!(c >= 0x20 && c < 0xD800) && !character(j))
+                return -1;
+            if (quote) {
                 if (c == quote)
-                    quote = QChar();
-                else if (!documentType && (c == u'<' || (c == u'&' && !reference(j))))
+                    quote = 0;
+                else if (!documentType && (c == u'<' || (c == u'&' && !reference(j, true))))
                     return -1;
+                continue;
+            }
+            const bool separator = c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
+            if (!separator && c != u'=' && c != u'"' && c != u'\'' && c != u'>' && c != u'/') {
+                if (token < 0)
+                    token = j;
+                continue;
+            }
+            if (token >= 0) {
+                lastStart = token;
+                lastEnd = j;
+                token = -1;
+            }
+            if (c == u'=' && !documentType && lastStart >= 0) {
+                // The name before "=" is an attribute's: it must not repeat.
+                const QStringView name(m_t + lastStart, lastEnd - lastStart);
+                for (const QStringView& seen : m_attributes)
+                    if (seen == name)
+                        return -1;
+                m_attributes.append(name);
+                lastStart = -1;
             } else if (c == u'"' || c == u'\'') {
                 quote = c;
             } else if (documentType && c == u'[') {
                 ++depth;
-                internalSubset = true;
+                m_internalSubset = true;
             } else if (documentType && c == u']') {
                 --depth;
             } else if (c == u'>' && depth <= 0) {
@@ -145,59 +232,21 @@ bool PassesMarkupChecks(QStringView t)
             }
         }
         return -1;
-    };
-
-    qsizetype i = 0;
-    while (i < n) {
-        const QStringView rest = t.mid(i);
-        if (t[i] == u'<') {
-            // Comments, CDATA sections and instructions run to their end mark;
-            // only a comment has rules for its body.
-            struct Markup {
-                QStringView open;
-                QStringView close;
-            };
-            static constexpr Markup kMarkups[] = {{u"<!--", u"-->"}, {u"<![CDATA[", u"]]>"}, {u"<?", u"?>"}};
-            const Markup* markup = nullptr;
-            for (const Markup& m : kMarkups)
-                if (rest.startsWith(m.open)) {
-                    markup = &m;
-                    break;
-                }
-            if (markup) {
-                const qsizetype bodyStart = i + markup->open.size();
-                const qsizetype end = t.indexOf(markup->close, bodyStart);
-                if (end < 0)
-                    return false;
-                const QStringView body = t.mid(bodyStart, end - bodyStart);
-                if (markup == &kMarkups[0] && (body.contains(u"--") || body.endsWith(u'-')))
-                    return false;
-                i = end + markup->close.size();
-                continue;
-            }
-            // A document type or a tag: to the ">" that closes it.
-            const bool documentType = rest.startsWith(u"<!");
-            const qsizetype close = closingBracket(i + (documentType ? 2 : 1), documentType);
-            if (close < 0)
-                return false;
-            if (!documentType) {
-                if (t[i + 1] == u'/')
-                    --openElements;
-                else if (t[close - 1] != u'/' && ++openElements > kMaxNestingDepth)
-                    return false;
-            }
-            i = close + 1;
-            continue;
-        }
-        if (t[i] == u'&') {
-            if (!reference(i))
-                return false;
-        } else if (t[i] == u']' && rest.startsWith(u"]]>")) {
-            return false;
-        }
-        ++i;
     }
-    return true;
+
+    const char16_t* m_t;
+    qsizetype m_n;
+    bool m_internalSubset = false; // entities may be declared there
+    bool m_crInText = false;       // a reference put a CR into element text
+    int m_openElements = 0;        // elements open at the current position
+    QList<QStringView> m_attributes;
+};
+
+} // namespace
+
+MarkupVerdict CheckMarkup(QStringView text)
+{
+    return MarkupScan(text).run();
 }
 
 } // namespace detail
