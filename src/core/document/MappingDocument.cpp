@@ -15,7 +15,7 @@
 
 namespace fb {
 
-Q_LOGGING_CATEGORY(lcDocument, "fieldbridge.document")
+Q_LOGGING_CATEGORY(lcDocument, "fieldbridge.document", QtWarningMsg)
 
 using detail::fromUtf8;
 using detail::toPugi;
@@ -226,14 +226,22 @@ bool MappingDocument::LoadXml(const QString& text)
     return ok;
 }
 
-QString MappingDocument::Serialize() const
+QByteArray MappingDocument::SerializeUtf8() const
 {
     struct Writer : pugi::xml_writer {
-        std::string out;
-        void write(const void* data, size_t size) override { out.append(static_cast<const char*>(data), size); }
+        QByteArray out;
+        void write(const void* data, size_t size) override
+        {
+            out.append(static_cast<const char*>(data), qsizetype(size));
+        }
     } writer;
     d->doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
-    return Utf8Text(writer.out.data(), qsizetype(writer.out.size()));
+    return writer.out;
+}
+
+QString MappingDocument::Serialize() const
+{
+    return Utf8Text(SerializeUtf8());
 }
 
 bool MappingDocument::IsEmpty() const

@@ -55,6 +55,8 @@ public:
     bool LoadXml(const QString& text);
     // Compact serialisation: no indentation added, no declaration added.
     QString Serialize() const;
+    // The same text in UTF-8.
+    QByteArray SerializeUtf8() const;
     bool IsEmpty() const;
 
     // ---- document table name ----------------------------------------------

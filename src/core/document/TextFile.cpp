@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QStringConverter>
 #include <QTemporaryFile>
 
 #include <algorithm>
@@ -69,6 +70,8 @@ QString TempFolder()
     return ensureTrailingSlash(fallback->path());
 }
 
+bool writeBytes(const QString& path, const QByteArray& bytes, QString* error);
+
 QString TableFileName(const QString& tableName)
 {
     if (std::none_of(tableName.cbegin(), tableName.cend(), isUnsafeInFileName))
@@ -89,6 +92,18 @@ QString TempFilePath(const QString& tableName, const QString& suffix)
 }
 
 bool WriteTextFile(const QString& path, const QString& text, QString* error)
+{
+    return writeBytes(path, text.toLocal8Bit(), error);
+}
+
+bool WriteUtf8File(const QString& path, const QByteArray& utf8, QString* error)
+{
+    static const bool localIsUtf8 = QStringConverter::encodingForName(QStringConverter::nameForEncoding(
+                                        QStringConverter::System)) == QStringConverter::Utf8;
+    return writeBytes(path, localIsUtf8 ? utf8 : Utf8Text(utf8).toLocal8Bit(), error);
+}
+
+bool writeBytes(const QString& path, const QByteArray& bytes, QString* error)
 {
     const auto fail = [error](const QString& reason) {
         if (error)
@@ -113,7 +128,6 @@ bool WriteTextFile(const QString& path, const QString& text, QString* error)
     QTemporaryFile file(folder + QStringLiteral("/.fieldbridge-XXXXXX"));
     if (!file.open())
         return fail(file.errorString());
-    const QByteArray bytes = text.toLocal8Bit();
     if (file.write(bytes) != bytes.size() || !file.flush())
         return fail(file.errorString());
     file.close();

@@ -30,6 +30,9 @@ QString TempFilePath(const QString& tableName, const QString& suffix);
 // folder when it is missing. Returns false (with the reason in error, when
 // given) when the file cannot be written.
 bool WriteTextFile(const QString& path, const QString& text, QString* error = nullptr);
+// The same for a text already in UTF-8: written as it is where the locale's
+// encoding is UTF-8.
+bool WriteUtf8File(const QString& path, const QByteArray& utf8, QString* error = nullptr);
 
 // The whole file; "" for an empty file. A link or a file that cannot be
 // read gives "" with ok false.

@@ -5,6 +5,7 @@
 #include "MappingSession.h"
 
 #include "core/document/LineBreaks.h"
+#include "core/document/TextCodec.h"
 #include "core/document/TextFile.h"
 #include "core/document/TextRules.h"
 
@@ -99,12 +100,14 @@ QString MappingSession::MappingObjectXML()
     if (m_dumpIndex >= 0)
         StoreDumpRules(QString::number(m_dumpNumbers[m_dumpIndex]));
     m_scanner->PruneSections();
-    const QString text = m_doc.Serialize();
     // A property read cannot fail towards the host; a lost export is logged
     // and the document is still handed back.
     QString error;
-    if (!WriteTextFile(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), text, &error))
+    QByteArray utf8 = m_doc.SerializeUtf8();
+    if (!WriteUtf8File(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), utf8, &error))
         qCWarning(lcExport, "the temporary export could not be written: %s", qPrintable(error));
+    const QString text = Utf8Text(utf8);
+    utf8.clear();
     return text;
 }
 
