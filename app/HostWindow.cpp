@@ -4,6 +4,8 @@
 #include "ScriptBuilderDialog.h"
 #include "SourceTablesDialog.h"
 
+#include "core/document/LineBreaks.h"
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
@@ -535,7 +537,7 @@ void HostWindow::answerConditionBuilder(const QString& condition, const QString&
     if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
         return;
     const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(condition))
+    if (text == fb::LfText(condition))
         return;
     // The control decodes this text and turns each line feed into CR LF.
     m_control->setPreCondition(text);
@@ -549,9 +551,9 @@ void HostWindow::answerQueryBuilder(const QString& query, const QString& migrate
     if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
         return;
     const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(query))
+    if (text == fb::LfText(query))
         return;
-    m_control->setMainQuery(MappingFile::toWindowsBreaks(text));
+    m_control->setMainQuery(fb::CrLfText(text));
     noteChange();
 }
 
@@ -562,10 +564,10 @@ void HostWindow::answerFunctionBuilder(const QString& rule, const QString& sourc
     if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
         return;
     const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(rule))
+    if (text == fb::LfText(rule))
         return;
     // A rule of several lines must reach the grid with CR LF breaks.
-    m_control->setFieldMapping(MappingFile::toWindowsBreaks(text));
+    m_control->setFieldMapping(fb::CrLfText(text));
     noteChange();
 }
 

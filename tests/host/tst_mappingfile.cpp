@@ -23,8 +23,6 @@ private Q_SLOTS:
     void showsFieldNames();
     void picksNamedTables_data();
     void picksNamedTables();
-    void convertsLineBreaks_data();
-    void convertsLineBreaks();
 };
 
 void TestMappingFile::decodesFiles_data()
@@ -140,17 +138,23 @@ void TestMappingFile::showsFieldNames_data()
     QTest::addColumn<QString>("stored");
     QTest::addColumn<QString>("shown");
 
-    QTest::newRow("plain") << QStringLiteral("CUSTNO") << QStringLiteral("custno");
-    QTest::newRow("array element") << QStringLiteral("NOTE__2") << QStringLiteral("note(2)");
-    QTest::newRow("two-digit index") << QStringLiteral("QTY__12") << QStringLiteral("qty(12)");
-    QTest::newRow("leading underscores are no index") << QStringLiteral("__X") << QStringLiteral("__x");
+    QTest::newRow("plain") << QStringLiteral("CUSTNO") << QStringLiteral("abcde002.custno");
+    QTest::newRow("array element") << QStringLiteral("NOTE__2") << QStringLiteral("abcde002.note(2)");
+    QTest::newRow("two markers, as the control lists it") << QStringLiteral("A__B__C")
+                                                           << QStringLiteral("abcde002.a(b(c)");
 }
 
 void TestMappingFile::showsFieldNames()
 {
     QFETCH(QString, stored);
     QFETCH(QString, shown);
-    QCOMPARE(shownFieldName(stored), shown);
+    const QString xml = QStringLiteral("<abcde001><SRCTAB><ABCDE002><%1 DSCA=\"d\"/></ABCDE002></SRCTAB></abcde001>")
+                            .arg(stored);
+    Catalogue catalogue;
+    QVERIFY(readCatalogue(xml, &catalogue, nullptr));
+    QCOMPARE(catalogue.sourceTables.size(), 1);
+    QCOMPARE(catalogue.sourceTables.constFirst().fields.size(), 1);
+    QCOMPARE(catalogue.sourceTables.constFirst().fields.constFirst().qualifiedName, shown);
 }
 
 void TestMappingFile::picksNamedTables_data()
@@ -179,31 +183,6 @@ void TestMappingFile::picksNamedTables()
     for (const SourceTable& table : tablesNamedIn(catalogue, list))
         names.append(table.name);
     QCOMPARE(names, tables);
-}
-
-void TestMappingFile::convertsLineBreaks_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("editor");
-    QTest::addColumn<QString>("windows");
-
-    QTest::newRow("lf") << QStringLiteral("a\nb") << QStringLiteral("a\nb") << QStringLiteral("a\r\nb");
-    QTest::newRow("cr lf") << QStringLiteral("a\r\nb") << QStringLiteral("a\nb") << QStringLiteral("a\r\nb");
-    QTest::newRow("lone cr") << QStringLiteral("a\rb") << QStringLiteral("a\nb") << QStringLiteral("a\r\nb");
-    QTest::newRow("mixed, trailing") << QStringLiteral("a\r\nb\nc\r\n") << QStringLiteral("a\nb\nc\n")
-                                     << QStringLiteral("a\r\nb\r\nc\r\n");
-    QTest::newRow("one line") << QStringLiteral("x") << QStringLiteral("x") << QStringLiteral("x");
-}
-
-void TestMappingFile::convertsLineBreaks()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, editor);
-    QFETCH(QString, windows);
-
-    QCOMPARE(toEditorBreaks(text), editor);
-    QCOMPARE(toWindowsBreaks(text), windows);
-    QCOMPARE(toWindowsBreaks(toWindowsBreaks(text)), windows);
 }
 
 QTEST_GUILESS_MAIN(TestMappingFile)
