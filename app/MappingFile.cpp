@@ -3,31 +3,11 @@
 #include "core/dictionary/FieldRules.h"
 #include "core/document/MappingDocument.h"
 
-#include <QRegularExpression>
-#include <QStringDecoder>
 #include <QXmlStreamReader>
 
 namespace MappingFile {
 
 namespace {
-
-// The encoding named in a leading declaration, or "" when there is none.
-bool startsWithDeclaration(QStringView text)
-{
-    return text.startsWith(u"<?xml") && text.size() > 5 && text.at(5).isSpace();
-}
-
-QByteArray declaredEncoding(const QByteArray& bytes)
-{
-    if (!startsWithDeclaration(QString::fromLatin1(bytes.left(6))))
-        return {};
-    const qsizetype end = bytes.indexOf("?>");
-    if (end < 0)
-        return {};
-    static const QRegularExpression encodingAttr(QStringLiteral("encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
-    const QRegularExpressionMatch m = encodingAttr.match(QString::fromLatin1(bytes.left(end)));
-    return m.hasMatch() ? m.captured(1).toLatin1() : QByteArray();
-}
 
 // Where the text stops being well-formed, for the message that refuses it:
 // the document only tells that it refused the text.
@@ -45,39 +25,6 @@ QString whereMalformed(const QString& xml)
 }
 
 } // namespace
-
-Decoded decode(const QByteArray& bytes)
-{
-    Decoded result;
-    QString text;
-    if (const auto bom = QStringConverter::encodingForData(bytes)) {
-        QStringDecoder decoder(*bom);
-        text = decoder(bytes);
-    } else {
-        QStringDecoder decoder(QStringDecoder::Utf8);
-        const QByteArray declared = declaredEncoding(bytes);
-        if (!declared.isEmpty()) {
-            QStringDecoder named(declared.constData());
-            if (named.isValid())
-                decoder = std::move(named);
-        }
-        text = decoder(bytes);
-    }
-    if (text.startsWith(QChar(0xFEFF)))
-        text.remove(0, 1);
-    if (startsWithDeclaration(text)) {
-        const qsizetype end = text.indexOf(QStringLiteral("?>"));
-        if (end >= 0) {
-            qsizetype next = end + 2;
-            while (next < text.size() && text.at(next).isSpace())
-                ++next;
-            text.remove(0, next);
-            result.declarationRemoved = true;
-        }
-    }
-    result.text = text;
-    return result;
-}
 
 bool readCatalogue(const QString& xml, Catalogue* catalogue, QString* error)
 {

@@ -1,19 +1,18 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-// What the host itself needs to know about a mapping object: how to turn a
-// file into the text the control takes, the root element's name (which the
-// control wants as TargetTable) and the catalogue of source tables and fields
-// under SRCTAB, which the host's pickers and builders offer. QtCore only.
+// What the host itself needs to know about a mapping object: the root
+// element's name (which the control wants as TargetTable) and the catalogue
+// of source tables and fields under SRCTAB, which the host's pickers and
+// builders offer. QtCore and the control's core only.
 namespace MappingFile {
 
 struct SourceField {
     QString qualifiedName; // "table.field" in lower case, in the form the control shows
-    QString description;   // DSCA
+    QString description;   // the field's description
 };
 
 struct SourceTable {
@@ -25,16 +24,6 @@ struct Catalogue {
     QString rootName;
     QList<SourceTable> sourceTables;
 };
-
-struct Decoded {
-    QString text;
-    bool declarationRemoved = false;
-};
-
-// Decodes file bytes (byte-order mark, else the declared encoding, else
-// UTF-8) and removes a leading XML declaration, since the control needs the
-// root element to be the document's first node.
-Decoded decode(const QByteArray& bytes);
 
 // Reads the root name and the SRCTAB catalogue through the control's own
 // document rules. A text the control would refuse gives false, with a

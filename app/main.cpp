@@ -1,51 +1,71 @@
 #include "HostWindow.h"
+#include "ScreenshotRenderer.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
 
 #include <cstdio>
+#include <memory>
+
+namespace {
+
+struct CommandLine {
+    QCommandLineParser parser;
+    QCommandLineOption help = parser.addHelpOption();
+    QCommandLineOption version = parser.addVersionOption();
+    QCommandLineOption view{QStringLiteral("view"), QStringLiteral("Open read-only (view mode).")};
+    QCommandLineOption screenshot{
+        QStringLiteral("screenshot"),
+        QStringLiteral("Render both tabs to DIR/mapping-object.png and DIR/define-dumps.png, print the paths "
+                       "and exit."),
+        QStringLiteral("DIR")};
+
+    CommandLine()
+    {
+        parser.setApplicationDescription(
+            QStringLiteral("Edits a data-migration mapping object. Without FILE it opens the bundled sample."));
+        parser.addOption(view);
+        parser.addOption(screenshot);
+        parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The mapping object to open."),
+                                     QStringLiteral("[FILE]"));
+    }
+};
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
-    QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("VelkPrjFieldbridge"));
     QCoreApplication::setApplicationName(QStringLiteral("fieldbridge-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FIELDBRIDGE_VERSION));
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Edits a data-migration mapping object. Without FILE it opens the bundled sample."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption viewOption(QStringLiteral("view"), QStringLiteral("Open read-only (view mode)."));
-    const QCommandLineOption screenshotOption(
-        QStringLiteral("screenshot"),
-        QStringLiteral("Render both tabs to DIR/mapping-object.png and DIR/define-dumps.png, print the paths "
-                       "and exit."),
-        QStringLiteral("DIR"));
-    parser.addOption(viewOption);
-    parser.addOption(screenshotOption);
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The mapping object to open."),
-                                 QStringLiteral("[FILE]"));
-    parser.process(app);
-
-    QTextStream out(stdout);
-    QTextStream err(stderr);
+    QApplication app(argc, argv);
+    CommandLine commandLine;
+    commandLine.parser.process(app);
+    const bool unattended = commandLine.parser.isSet(commandLine.screenshot);
 
     HostWindow window;
-    window.setUnattended(parser.isSet(screenshotOption));
-    window.setEditMode(!parser.isSet(viewOption));
-    const QStringList files = parser.positionalArguments();
+    std::unique_ptr<ScreenshotRenderer> renderer;
+    if (unattended) {
+        // Answering boxes starts before the file is opened: nothing may wait.
+        window.setUnattended(true);
+        renderer = std::make_unique<ScreenshotRenderer>(&window);
+    }
+    window.setEditMode(!commandLine.parser.isSet(commandLine.view));
+    const QStringList files = commandLine.parser.positionalArguments();
     const bool opened = files.isEmpty() ? window.openSample() : window.openFile(files.constFirst());
     if (!opened)
         return 1;
 
-    if (parser.isSet(screenshotOption)) {
+    if (renderer) {
         QStringList notes;
-        const QStringList written = window.renderScreenshots(parser.value(screenshotOption), &notes);
+        const QString dir = commandLine.parser.value(commandLine.screenshot);
+        const QStringList written = renderer->render(dir, &notes);
+        QTextStream err(stderr);
         for (const QString& note : notes)
             err << "fieldbridge-host: " << note << Qt::endl;
+        QTextStream out(stdout);
         for (const QString& path : written)
             out << path << Qt::endl;
         return written.size() == 2 ? 0 : 1;
