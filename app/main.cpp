@@ -30,6 +30,18 @@ struct CommandLine {
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The mapping object to open."),
                                      QStringLiteral("[FILE]"));
     }
+
+    // True when the arguments ask for nothing but the usage text or the
+    // version. Arguments that do not parse here may still be options of
+    // QApplication's own (-platform, -style), so they are left to it.
+    bool asksForTextOnly(int argc, char* argv[])
+    {
+        QStringList arguments;
+        for (int i = 0; i < argc; ++i)
+            arguments.append(QString::fromLocal8Bit(argv[i]));
+        return parser.parse(arguments) &&
+               (parser.isSet(help) || parser.isSet(version) || parser.isSet(QStringLiteral("help-all")));
+    }
 };
 
 } // namespace
@@ -40,8 +52,16 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("fieldbridge-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FIELDBRIDGE_VERSION));
 
-    QApplication app(argc, argv);
     CommandLine commandLine;
+    // The usage text and the version need no display: they are printed under
+    // a QCoreApplication, before QApplication would look for a platform.
+    if (commandLine.asksForTextOnly(argc, argv)) {
+        QCoreApplication app(argc, argv);
+        commandLine.parser.process(app); // prints and leaves
+        return 0;
+    }
+
+    QApplication app(argc, argv);
     commandLine.parser.process(app);
     const bool unattended = commandLine.parser.isSet(commandLine.screenshot);
 

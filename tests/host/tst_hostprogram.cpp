@@ -1,5 +1,5 @@
-// The fieldbridge-host program as a user or a script starts it: unattended
-// rendering of both tabs, exit codes.
+// The fieldbridge-host program as a user or a script starts it: the usage
+// text without a display, unattended rendering of both tabs, exit codes.
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -44,6 +44,27 @@ class TestHostProgram : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void answersWithoutADisplay_data()
+    {
+        QTest::addColumn<QString>("argument");
+        QTest::addColumn<QString>("answer");
+
+        QTest::newRow("--help") << u"--help"_s << u"--screenshot <DIR>"_s;
+        QTest::newRow("--version") << u"--version"_s << u"fieldbridge-host "_s;
+    }
+    void answersWithoutADisplay()
+    {
+        QFETCH(QString, argument);
+        QFETCH(QString, answer);
+
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const QString& name : {u"QT_QPA_PLATFORM"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s})
+            environment.remove(name);
+        const Run run = runHost({example(u"klmno001.xml"_s), argument}, environment);
+        QVERIFY2(run.exitCode == 0, qPrintable(run.err));
+        QVERIFY2(run.out.join(u'\n').contains(answer), qPrintable(run.out.join(u'\n')));
+    }
+
     void rendersBothTabs_data()
     {
         QTest::addColumn<QStringList>("arguments");
