@@ -1,16 +1,14 @@
 #include "HostWindow.h"
 
-#include "ModalAnswerer.h"
-#include "ScriptBuilderDialog.h"
 #include "SourceTablesDialog.h"
+
+#include "core/document/LineBreaks.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
-#include <QEventLoop>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -19,25 +17,14 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QMouseEvent>
-#include <QSaveFile>
 #include <QSettings>
 #include <QStatusBar>
-#include <QTabBar>
-#include <QTabWidget>
 #include <QTextStream>
 #include <QTimer>
 
 #include <limits>
 
 namespace {
-
-const int MaxRecentFiles = 8;
-
-QString recentFilesKey()
-{
-    return QStringLiteral("recentFiles");
-}
 
 QString externalEditorKey()
 {
@@ -54,27 +41,6 @@ const QStringList& editingCommands()
         QStringLiteral("CmdPreDoc"),    QStringLiteral("CmdMQDoc"),     QStringLiteral("CmdDumpText"),
     };
     return names;
-}
-
-void settle(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-// A click on a tab as a person makes it, so the control sees what it sees
-// when the user switches tabs.
-void clickTab(QTabWidget* tabs, int index)
-{
-    QTabBar* bar = tabs->tabBar();
-    const QPoint centre = bar->tabRect(index).center();
-    const QPoint global = bar->mapToGlobal(centre);
-    QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(bar, &press);
-    QMouseEvent release(QEvent::MouseButtonRelease, centre, global, Qt::LeftButton, Qt::NoButton,
-                        Qt::NoModifier);
-    QApplication::sendEvent(bar, &release);
 }
 
 } // namespace
@@ -99,18 +65,13 @@ HostWindow::~HostWindow()
     qApp->removeEventFilter(this);
 }
 
-QString HostWindow::sampleFileName()
-{
-    return QStringLiteral("klmno001.xml");
-}
-
 void HostWindow::createActions()
 {
     QMenu* fileMenu = menuBar()->addMenu(tr("&File"));
 
-    m_openAction = fileMenu->addAction(tr("&Open..."), this, &HostWindow::openWithDialog);
-    m_openAction->setObjectName(QStringLiteral("actionOpen"));
-    m_openAction->setShortcut(QKeySequence::Open);
+    QAction* open = fileMenu->addAction(tr("&Open..."), this, &HostWindow::openWithDialog);
+    open->setObjectName(QStringLiteral("actionOpen"));
+    open->setShortcut(QKeySequence::Open);
 
     m_recentMenu = fileMenu->addMenu(tr("Open &Recent"));
     m_recentMenu->setObjectName(QStringLiteral("menuRecent"));
@@ -130,6 +91,9 @@ void HostWindow::createActions()
     m_saveAsAction = fileMenu->addAction(tr("Save &As..."), this, &HostWindow::saveAs);
     m_saveAsAction->setObjectName(QStringLiteral("actionSaveAs"));
     m_saveAsAction->setShortcut(QKeySequence::SaveAs);
+
+    m_revertAction = fileMenu->addAction(tr("&Revert"), this, &HostWindow::revert);
+    m_revertAction->setObjectName(QStringLiteral("actionRevert"));
 
     fileMenu->addSeparator();
     QAction* quit = fileMenu->addAction(tr("&Quit"), this, &QWidget::close);
@@ -157,13 +121,6 @@ void HostWindow::createActions()
     });
 }
 
-void HostWindow::setUnattended(bool on)
-{
-    m_unattended = on;
-    delete m_answerer;
-    m_answerer = on ? new ModalAnswerer(this) : nullptr;
-}
-
 void HostWindow::reportProblem(const QString& title, const QString& text)
 {
     if (m_unattended) {
@@ -177,62 +134,60 @@ void HostWindow::reportProblem(const QString& title, const QString& text)
 
 bool HostWindow::openFile(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        reportProblem(tr("Open Mapping Object"),
-                      tr("Cannot read %1:\n%2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    QString error;
+    if (!m_document.open(path, &error)) {
+        reportProblem(tr("Open Mapping Object"), error);
         return false;
     }
-    const MappingFile::Decoded decoded = MappingFile::decode(file.readAll());
-    if (!loadDocument(decoded.text, QFileInfo(path).absoluteFilePath(), QFileInfo(path).fileName()))
-        return false;
-    if (decoded.declarationRemoved)
+    showDocument(m_document.text());
+    rebuildRecentMenu();
+    if (m_document.declarationRemoved())
         statusBar()->showMessage(tr("The XML declaration was left out: the mapping object must begin with its "
                                     "root element. Saving writes it without one."),
                                  10000);
-    addRecentFile(m_filePath);
     return true;
 }
 
 bool HostWindow::openSample()
 {
-    const QString installed = QDir(QCoreApplication::applicationDirPath())
-                                  .filePath(QString::fromUtf8(FIELDBRIDGE_EXAMPLES_FROM_BIN) + u'/' +
-                                            sampleFileName());
-    QFile file(QFileInfo::exists(installed) ? installed : QStringLiteral(":/samples/") + sampleFileName());
-    if (!file.open(QIODevice::ReadOnly)) {
-        reportProblem(tr("Open Sample"), tr("The sample mapping object is missing."));
+    QString error;
+    if (!m_document.openSample(&error)) {
+        reportProblem(tr("Open Sample"), error);
         return false;
     }
-    return loadDocument(MappingFile::decode(file.readAll()).text, QString(),
-                        tr("%1 (sample)").arg(sampleFileName()));
+    showDocument(m_document.text());
+    return true;
 }
 
-bool HostWindow::loadDocument(const QString& text, const QString& path, const QString& displayName)
+void HostWindow::showDocument(const QString& text)
 {
-    MappingFile::Catalogue catalogue;
-    QString error;
-    if (!MappingFile::readCatalogue(text, &catalogue, &error)) {
-        reportProblem(tr("Open Mapping Object"),
-                      tr("%1 is not a well-formed mapping object:\n%2").arg(displayName, error));
-        return false;
-    }
-    m_catalogue = catalogue;
-    m_filePath = path;
-    m_displayName = displayName;
     createControl(text, m_editMode);
     // The baseline for "unsaved": the document as the control hands it back
     // right after loading, before the user touched anything.
-    m_cleanText = m_control->MappingObjectXML();
+    m_document.setBaseline(m_control->MappingObjectXML());
     m_changed = false;
-    if (catalogue.rootName.size() != 8)
+    const QString rootName = m_document.catalogue().rootName;
+    if (rootName.size() != 8)
         statusBar()->showMessage(tr("The root element \"%1\" is not 8 characters long: the control will not find "
                                     "the sections of this mapping object.")
-                                     .arg(catalogue.rootName),
+                                     .arg(rootName),
                                  10000);
     updateTitle();
     updateActions();
-    return true;
+}
+
+void HostWindow::revert()
+{
+    if (!m_control || m_saveLocked || !isModified())
+        return;
+    QMessageBox box(QMessageBox::Warning, tr("Revert"),
+                    tr("Discard the changes made to %1 since it was opened or last saved?")
+                        .arg(m_document.displayName()),
+                    QMessageBox::Discard | QMessageBox::Cancel, this);
+    box.setObjectName(QStringLiteral("RevertBox"));
+    box.setDefaultButton(QMessageBox::Cancel);
+    if (box.exec() == QMessageBox::Discard)
+        showDocument(m_document.cleanText());
 }
 
 void HostWindow::createControl(const QString& text, bool edit)
@@ -245,19 +200,28 @@ void HostWindow::createControl(const QString& text, bool edit)
     auto* control = new ctlFieldbridge(this);
     control->setObjectName(QStringLiteral("fieldbridge"));
     connect(control, &ctlFieldbridge::ShowSourceTablesPopUp, this, &HostWindow::answerSourceTables);
-    connect(control, &ctlFieldbridge::ShowConditionBuilderPopUp, this, &HostWindow::answerConditionBuilder);
-    connect(control, &ctlFieldbridge::ShowQueryBuilderPopUp, this, &HostWindow::answerQueryBuilder);
+    connect(control, &ctlFieldbridge::ShowConditionBuilderPopUp, this,
+            [this](const QString& condition, const QString& tables) {
+                answerScript(ScriptBuilderDialog::Kind::Condition, condition, tables);
+            });
+    connect(control, &ctlFieldbridge::ShowQueryBuilderPopUp, this,
+            [this](const QString& query, const QString& migrateSource) {
+                answerScript(ScriptBuilderDialog::Kind::Query, query, migrateSource);
+            });
+    connect(control, &ctlFieldbridge::ShowFunctionBuilderPopUp, this,
+            [this](const QString& rule, const QString& tables) {
+                answerScript(ScriptBuilderDialog::Kind::Function, rule, tables);
+            });
     connect(control, &ctlFieldbridge::ShowFunctionalTextPopUp, this, &HostWindow::answerFunctionalText);
-    connect(control, &ctlFieldbridge::ShowFunctionBuilderPopUp, this, &HostWindow::answerFunctionBuilder);
-    connect(control, &ctlFieldbridge::SaveDoneDisabled, this, &HostWindow::lockSave);
-    connect(control, &ctlFieldbridge::SaveDoneEnabled, this, &HostWindow::unlockSave);
+    connect(control, &ctlFieldbridge::SaveDoneDisabled, this, [this] { lockSave(true); });
+    connect(control, &ctlFieldbridge::SaveDoneEnabled, this, [this] { lockSave(false); });
 
     // The order a host keeps: edit mode first (it is one-way), then the
     // editor, the table name, the document, and only then ShowControl.
     control->setEdit(edit);
     if (!m_externalEditor.isEmpty())
         control->setEditor(m_externalEditor);
-    control->setTargetTable(m_catalogue.rootName);
+    control->setTargetTable(m_document.catalogue().rootName);
     control->setMappingObjectXML(text);
     control->ShowControl();
 
@@ -278,7 +242,7 @@ bool HostWindow::isModified()
         return false;
     if (m_saveLocked)
         return true; // the functions or variables panel holds edits the document does not have yet
-    const bool modified = m_control->MappingObjectXML() != m_cleanText;
+    const bool modified = m_document.isModified(m_control->MappingObjectXML());
     m_changed = modified;
     updateTitle();
     return modified;
@@ -289,8 +253,8 @@ bool HostWindow::maybeSave()
     if (!isModified())
         return true;
     QMessageBox box(QMessageBox::Warning, tr("Fieldbridge"),
-                    tr("The mapping object %1 has unsaved changes.").arg(m_displayName), QMessageBox::NoButton,
-                    this);
+                    tr("The mapping object %1 has unsaved changes.").arg(m_document.displayName()),
+                    QMessageBox::NoButton, this);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
     if (m_saveLocked) {
         box.setInformativeText(tr("Close the Functions or Variables panel with OK or Cancel to be able to save. "
@@ -316,18 +280,18 @@ bool HostWindow::save()
 {
     if (!m_control || m_saveLocked)
         return false;
-    if (m_filePath.isEmpty())
+    if (m_document.path().isEmpty())
         return saveAs();
-    return saveTo(m_filePath);
+    return saveTo(m_document.path());
 }
 
 bool HostWindow::saveAs()
 {
     if (!m_control || m_saveLocked)
         return false;
-    QString suggestion = m_filePath;
+    QString suggestion = m_document.path();
     if (suggestion.isEmpty())
-        suggestion = QDir::home().filePath(m_catalogue.rootName.trimmed() + QStringLiteral(".xml"));
+        suggestion = QDir::home().filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".xml"));
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Mapping Object"), suggestion,
                                                       tr("Mapping objects (*.xml);;All files (*)"));
     if (path.isEmpty())
@@ -339,19 +303,14 @@ bool HostWindow::saveTo(const QString& path)
 {
     if (!m_control || m_saveLocked)
         return false;
-    const QString text = m_control->MappingObjectXML();
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit()) {
-        QMessageBox::critical(this, tr("Save Mapping Object"),
-                              tr("Cannot write %1:\n%2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    QString error;
+    if (!m_document.save(m_control->MappingObjectXML(), path, &error)) {
+        QMessageBox::critical(this, tr("Save Mapping Object"), error);
         return false;
     }
-    m_cleanText = text;
     m_changed = false;
-    m_filePath = QFileInfo(path).absoluteFilePath();
-    m_displayName = QFileInfo(path).fileName();
-    addRecentFile(m_filePath);
-    statusBar()->showMessage(tr("Saved %1").arg(QDir::toNativeSeparators(m_filePath)), 5000);
+    rebuildRecentMenu();
+    statusBar()->showMessage(tr("Saved %1").arg(QDir::toNativeSeparators(m_document.path())), 5000);
     updateTitle();
     return true;
 }
@@ -386,26 +345,10 @@ void HostWindow::noteChange()
     updateTitle();
 }
 
-QStringList HostWindow::recentFiles() const
-{
-    return QSettings().value(recentFilesKey()).toStringList();
-}
-
-void HostWindow::addRecentFile(const QString& path)
-{
-    QStringList files = recentFiles();
-    files.removeAll(path);
-    files.prepend(path);
-    while (files.size() > MaxRecentFiles)
-        files.removeLast();
-    QSettings().setValue(recentFilesKey(), files);
-    rebuildRecentMenu();
-}
-
 void HostWindow::rebuildRecentMenu()
 {
     m_recentMenu->clear();
-    const QStringList files = recentFiles();
+    const QStringList files = m_document.recentFiles();
     for (int i = 0; i < files.size(); ++i) {
         QAction* action = m_recentMenu->addAction(
             QStringLiteral("&%1 %2").arg(i + 1).arg(QDir::toNativeSeparators(files.at(i))), this,
@@ -414,7 +357,7 @@ void HostWindow::rebuildRecentMenu()
     }
     m_recentMenu->addSeparator();
     QAction* clear = m_recentMenu->addAction(tr("&Clear Menu"), this, [this] {
-        QSettings().remove(recentFilesKey());
+        m_document.clearRecentFiles();
         rebuildRecentMenu();
     });
     clear->setEnabled(!files.isEmpty());
@@ -425,7 +368,8 @@ void HostWindow::openWithDialog()
 {
     if (!maybeSave())
         return;
-    const QString start = m_filePath.isEmpty() ? QDir::homePath() : QFileInfo(m_filePath).absolutePath();
+    const QString start =
+        m_document.path().isEmpty() ? QDir::homePath() : QFileInfo(m_document.path()).absolutePath();
     const QString path = QFileDialog::getOpenFileName(this, tr("Open Mapping Object"), start,
                                                       tr("Mapping objects (*.xml);;All files (*)"));
     if (!path.isEmpty())
@@ -441,9 +385,7 @@ void HostWindow::openRecent()
     if (!QFileInfo::exists(path)) {
         QMessageBox::warning(this, tr("Open Recent"),
                              tr("%1 no longer exists.").arg(QDir::toNativeSeparators(path)));
-        QStringList files = recentFiles();
-        files.removeAll(path);
-        QSettings().setValue(recentFilesKey(), files);
+        m_document.forgetRecentFile(path);
         rebuildRecentMenu();
         return;
     }
@@ -466,7 +408,8 @@ void HostWindow::chooseExternalEditor()
 
 void HostWindow::updateTitle()
 {
-    QString title = m_displayName.isEmpty() ? tr("Fieldbridge") : m_displayName + QStringLiteral("[*] - ") + tr("Fieldbridge");
+    const QString name = m_document.displayName();
+    QString title = name.isEmpty() ? tr("Fieldbridge") : name + QStringLiteral("[*] - ") + tr("Fieldbridge");
     if (!m_editMode)
         title += u' ' + tr("(read-only)");
     setWindowTitle(title);
@@ -484,6 +427,7 @@ void HostWindow::updateActions()
     const bool hasDocument = !m_control.isNull();
     m_saveAction->setEnabled(hasDocument && !m_saveLocked);
     m_saveAsAction->setEnabled(hasDocument && !m_saveLocked);
+    m_revertAction->setEnabled(hasDocument && !m_saveLocked);
     m_editModeAction->setEnabled(!m_saveLocked);
     m_editModeAction->setChecked(m_editMode);
 }
@@ -518,7 +462,7 @@ bool HostWindow::eventFilter(QObject* watched, QEvent* event)
 
 void HostWindow::answerSourceTables(const QString& sourceTables)
 {
-    SourceTablesDialog dialog(m_catalogue, sourceTables, m_editMode, this);
+    SourceTablesDialog dialog(m_document.catalogue(), sourceTables, m_editMode, this);
     if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
         return;
     const QString chosen = dialog.chosenTables();
@@ -528,44 +472,30 @@ void HostWindow::answerSourceTables(const QString& sourceTables)
     noteChange();
 }
 
-void HostWindow::answerConditionBuilder(const QString& condition, const QString& sourceTables)
+// The condition, main-query and rule builders: the dialog edits with LF
+// breaks. The control decodes the precondition's answer itself; the main
+// query and a rule are handed over as the control's boxes hold text, with
+// CR LF breaks.
+void HostWindow::answerScript(ScriptBuilderDialog::Kind kind, const QString& script, const QString& tables)
 {
-    ScriptBuilderDialog dialog(ScriptBuilderDialog::Kind::Condition, condition,
-                               MappingFile::tablesNamedIn(m_catalogue, sourceTables), m_editMode, this);
+    ScriptBuilderDialog dialog(kind, script, MappingFile::tablesNamedIn(m_document.catalogue(), tables),
+                               m_editMode, this);
     if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
         return;
     const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(condition))
+    if (text == fb::LfText(script))
         return;
-    // The control decodes this text and turns each line feed into CR LF.
-    m_control->setPreCondition(text);
-    noteChange();
-}
-
-void HostWindow::answerQueryBuilder(const QString& query, const QString& migrateSource)
-{
-    ScriptBuilderDialog dialog(ScriptBuilderDialog::Kind::Query, query,
-                               MappingFile::tablesNamedIn(m_catalogue, migrateSource), m_editMode, this);
-    if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
-        return;
-    const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(query))
-        return;
-    m_control->setMainQuery(MappingFile::toWindowsBreaks(text));
-    noteChange();
-}
-
-void HostWindow::answerFunctionBuilder(const QString& rule, const QString& sourceTables)
-{
-    ScriptBuilderDialog dialog(ScriptBuilderDialog::Kind::Function, rule,
-                               MappingFile::tablesNamedIn(m_catalogue, sourceTables), m_editMode, this);
-    if (dialog.exec() != QDialog::Accepted || !m_editMode || !m_control)
-        return;
-    const QString text = dialog.script();
-    if (text == MappingFile::toEditorBreaks(rule))
-        return;
-    // A rule of several lines must reach the grid with CR LF breaks.
-    m_control->setFieldMapping(MappingFile::toWindowsBreaks(text));
+    switch (kind) {
+    case ScriptBuilderDialog::Kind::Condition:
+        m_control->setPreCondition(text);
+        break;
+    case ScriptBuilderDialog::Kind::Query:
+        m_control->setMainQuery(fb::CrLfText(text));
+        break;
+    case ScriptBuilderDialog::Kind::Function:
+        m_control->setFieldMapping(fb::CrLfText(text));
+        break;
+    }
     noteChange();
 }
 
@@ -584,60 +514,9 @@ void HostWindow::answerFunctionalText(const QString& docType, int textNumber, co
     noteChange();
 }
 
-void HostWindow::lockSave()
+void HostWindow::lockSave(bool locked)
 {
-    m_saveLocked = true;
+    m_saveLocked = locked;
     updateActions();
     updateTitle();
-}
-
-void HostWindow::unlockSave()
-{
-    m_saveLocked = false;
-    updateActions();
-    updateTitle();
-}
-
-// ---------------------------------------------------------------- pictures
-
-QStringList HostWindow::renderScreenshots(const QString& dir, QStringList* notes)
-{
-    QStringList written;
-    setUnattended(true);
-    if (!QDir().mkpath(dir)) {
-        if (notes)
-            notes->append(tr("cannot create %1").arg(dir));
-        return written;
-    }
-    resize(1280, 800);
-    show();
-    settle(200);
-
-    auto* tabs = m_control ? m_control->findChild<QTabWidget*>(QStringLiteral("MainTab")) : nullptr;
-    if (!tabs && notes)
-        notes->append(tr("the control has no tab strip \"MainTab\""));
-
-    const struct {
-        int tab;
-        QString file;
-    } pages[] = {{0, QStringLiteral("mapping-object.png")}, {1, QStringLiteral("define-dumps.png")}};
-    for (const auto& page : pages) {
-        if (tabs && tabs->currentIndex() != page.tab) {
-            clickTab(tabs, page.tab);
-            settle(300);
-            if (tabs->currentIndex() != page.tab && notes)
-                notes->append(tr("tab %1 did not become current").arg(page.tab));
-        }
-        settle(100);
-        const QString path = QDir(dir).absoluteFilePath(page.file);
-        if (grab().save(path))
-            written.append(path);
-        else if (notes)
-            notes->append(tr("cannot write %1").arg(path));
-    }
-    if (notes && m_answerer) {
-        for (const QString& text : m_answerer->answered())
-            notes->append(tr("answered a box: %1").arg(text));
-    }
-    return written;
 }

@@ -1,28 +1,25 @@
 #pragma once
 
-#include "MappingFile.h"
+#include "HostDocument.h"
+#include "ScriptBuilderDialog.h"
 
 #include <ctlFieldbridge.h>
 
 #include <QMainWindow>
 #include <QPointer>
-#include <QStringList>
 
 class QAction;
 class QLabel;
 class QMenu;
-class ModalAnswerer;
 
-// fieldbridge-host's main window: opens a mapping object from a file, hands
-// it to an embedded ctlFieldbridge, answers the control's events with its own
-// dialogs and writes the edited document back.
+// fieldbridge-host's main window: its menus and actions, an embedded
+// ctlFieldbridge fed from the open HostDocument, and the host's answers to
+// the control's events.
 //
-// Unsaved changes are decided by comparing the document the control returns
-// now with the one it returned when the file was loaded or last saved. The
-// "*" in the title is raised as soon as the host answers an event with a
+// The "*" in the title is raised as soon as the host answers an event with a
 // change or the user types into the control or presses one of its editing
-// commands; the comparison settles it whenever the host has to decide (save,
-// close, open, mode switch).
+// commands; comparing the control's text with the document's baseline
+// settles it whenever the host has to decide (save, close, open, revert).
 class HostWindow : public QMainWindow {
     Q_OBJECT
 
@@ -31,14 +28,14 @@ public:
     ~HostWindow() override;
 
     bool openFile(const QString& path);
-    // The bundled sample mapping object: the installed copy when there is one,
-    // else the one built into the program. It opens untitled.
     bool openSample();
-    bool loadDocument(const QString& text, const QString& path, const QString& displayName);
 
     bool save();
     bool saveAs();
     bool saveTo(const QString& path);
+    // Back to the document as loaded or last saved, in a fresh control,
+    // once the user agrees to discard the changes.
+    void revert();
 
     // Edit mode is one-way inside the control: leaving it locks the control;
     // returning to it builds a fresh control from the current document.
@@ -50,21 +47,11 @@ public:
     bool isModified();
 
     ctlFieldbridge* control() const { return m_control; }
-    QString currentFile() const { return m_filePath; }
-    QStringList recentFiles() const;
-
-    // Renders the window at about 1280x800 with the "Mapping Object" tab and
-    // then the "Define Dumps" tab current, into DIR/mapping-object.png and
-    // DIR/define-dumps.png, unattended: modal boxes that appear are answered.
-    // Returns the written paths; *notes tells what went wrong or was answered.
-    QStringList renderScreenshots(const QString& dir, QStringList* notes);
+    const HostDocument& document() const { return m_document; }
 
     // Unattended (rendering from the command line): problems go to standard
     // error instead of message boxes, and nothing waits for a person.
-    // Boxes that the control raises meanwhile are answered automatically.
-    void setUnattended(bool on);
-
-    static QString sampleFileName();
+    void setUnattended(bool on) { m_unattended = on; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -73,12 +60,12 @@ protected:
 private:
     void createActions();
     void reportProblem(const QString& title, const QString& text);
+    void showDocument(const QString& text);
     void createControl(const QString& text, bool edit);
     bool maybeSave();
     void noteChange();
     void updateTitle();
     void updateActions();
-    void addRecentFile(const QString& path);
     void rebuildRecentMenu();
     void chooseExternalEditor();
 
@@ -86,28 +73,21 @@ private:
     void openRecent();
 
     void answerSourceTables(const QString& sourceTables);
-    void answerConditionBuilder(const QString& condition, const QString& sourceTables);
-    void answerQueryBuilder(const QString& query, const QString& migrateSource);
+    void answerScript(ScriptBuilderDialog::Kind kind, const QString& script, const QString& tables);
     void answerFunctionalText(const QString& docType, int textNumber, const QString& key1, const QString& key2);
-    void answerFunctionBuilder(const QString& rule, const QString& sourceTables);
-    void lockSave();
-    void unlockSave();
+    void lockSave(bool locked);
 
+    HostDocument m_document;
     QPointer<ctlFieldbridge> m_control;
-    MappingFile::Catalogue m_catalogue;
-    QString m_filePath;
-    QString m_displayName;
-    QString m_cleanText;
     QString m_externalEditor;
     bool m_editMode = true;
     bool m_saveLocked = false;
     bool m_changed = false;
     bool m_unattended = false;
-    ModalAnswerer* m_answerer = nullptr;
 
-    QAction* m_openAction = nullptr;
     QAction* m_saveAction = nullptr;
     QAction* m_saveAsAction = nullptr;
+    QAction* m_revertAction = nullptr;
     QAction* m_editModeAction = nullptr;
     QMenu* m_recentMenu = nullptr;
     QLabel* m_modeLabel = nullptr;

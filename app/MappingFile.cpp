@@ -1,116 +1,51 @@
 #include "MappingFile.h"
 
-#include <QRegularExpression>
-#include <QStringDecoder>
+#include "core/dictionary/FieldRules.h"
+#include "core/document/MappingDocument.h"
+
 #include <QXmlStreamReader>
 
 namespace MappingFile {
 
 namespace {
 
-// The encoding named in a leading declaration, or "" when there is none.
-bool startsWithDeclaration(QStringView text)
+// Where the text stops being well-formed, for the message that refuses it:
+// the document only tells that it refused the text.
+QString whereMalformed(const QString& xml)
 {
-    return text.startsWith(u"<?xml") && text.size() > 5 && text.at(5).isSpace();
-}
-
-QByteArray declaredEncoding(const QByteArray& bytes)
-{
-    if (!startsWithDeclaration(QString::fromLatin1(bytes.left(6))))
-        return {};
-    const qsizetype end = bytes.indexOf("?>");
-    if (end < 0)
-        return {};
-    static const QRegularExpression encodingAttr(QStringLiteral("encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
-    const QRegularExpressionMatch m = encodingAttr.match(QString::fromLatin1(bytes.left(end)));
-    return m.hasMatch() ? m.captured(1).toLatin1() : QByteArray();
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd())
+        reader.readNext();
+    if (!reader.hasError())
+        return QStringLiteral("The control does not take it as a mapping object.");
+    return QStringLiteral("%1 (line %2, column %3)")
+        .arg(reader.errorString())
+        .arg(reader.lineNumber())
+        .arg(reader.columnNumber());
 }
 
 } // namespace
 
-Decoded decode(const QByteArray& bytes)
-{
-    Decoded result;
-    QString text;
-    if (const auto bom = QStringConverter::encodingForData(bytes)) {
-        QStringDecoder decoder(*bom);
-        text = decoder(bytes);
-    } else {
-        QStringDecoder decoder(QStringDecoder::Utf8);
-        const QByteArray declared = declaredEncoding(bytes);
-        if (!declared.isEmpty()) {
-            QStringDecoder named(declared.constData());
-            if (named.isValid())
-                decoder = std::move(named);
-        }
-        text = decoder(bytes);
-    }
-    if (text.startsWith(QChar(0xFEFF)))
-        text.remove(0, 1);
-    if (startsWithDeclaration(text)) {
-        const qsizetype end = text.indexOf(QStringLiteral("?>"));
-        if (end >= 0) {
-            qsizetype next = end + 2;
-            while (next < text.size() && text.at(next).isSpace())
-                ++next;
-            text.remove(0, next);
-            result.declarationRemoved = true;
-        }
-    }
-    result.text = text;
-    return result;
-}
-
-QString shownFieldName(const QString& storedName)
-{
-    QString name = storedName.toLower();
-    const qsizetype marker = name.indexOf(QStringLiteral("__"));
-    if (marker > 0) {
-        name.replace(marker, 2, QStringLiteral("("));
-        name.append(u')');
-    }
-    return name;
-}
-
 bool readCatalogue(const QString& xml, Catalogue* catalogue, QString* error)
 {
-    Catalogue result;
-    QXmlStreamReader reader(xml);
-    // Depth 1 = root, 2 = section, 3 = table, 4 = field.
-    int depth = 0;
-    bool inSourceSection = false;
-    while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement) {
-            ++depth;
-            const QString name = reader.name().toString();
-            if (depth == 1) {
-                result.rootName = name;
-            } else if (depth == 2) {
-                inSourceSection = (name == QStringLiteral("SRCTAB"));
-            } else if (depth == 3 && inSourceSection) {
-                result.sourceTables.append(SourceTable{name, {}});
-            } else if (depth == 4 && inSourceSection) {
-                SourceTable& table = result.sourceTables.last();
-                table.fields.append(SourceField{table.name.toLower() + u'.' + shownFieldName(name),
-                                                reader.attributes().value(QStringLiteral("DSCA")).toString()});
-            }
-        } else if (token == QXmlStreamReader::EndElement) {
-            if (depth == 2)
-                inSourceSection = false;
-            --depth;
-        }
-    }
-    if (reader.hasError() || result.rootName.isEmpty()) {
-        if (error) {
-            *error = reader.hasError()
-                         ? QStringLiteral("%1 (line %2, column %3)")
-                               .arg(reader.errorString())
-                               .arg(reader.lineNumber())
-                               .arg(reader.columnNumber())
-                         : QStringLiteral("The document has no root element.");
-        }
+    fb::MappingDocument document;
+    if (!document.LoadXml(xml)) {
+        if (error)
+            *error = whereMalformed(xml);
         return false;
+    }
+    Catalogue result;
+    result.rootName = document.DocumentElement().name();
+    // The sections are found as the control finds them: below the root name
+    // taken as the 8-character table name.
+    document.SetTableName(result.rootName);
+    const fb::Node definitions = document.GetNode(document.SectionPath(QStringLiteral("SRCTAB")));
+    for (const fb::Node& table : definitions.childElements()) {
+        SourceTable entry{table.name(), {}};
+        // The rows the control's own field lists show: the same name form.
+        for (const fb::FieldRow& row : fb::FieldRowsOf(table))
+            entry.fields.append(SourceField{row.name, row.description});
+        result.sourceTables.append(entry);
     }
     if (catalogue)
         *catalogue = result;
@@ -142,20 +77,6 @@ QList<SourceTable> tablesNamedIn(const Catalogue& catalogue, const QString& comm
         }
     }
     return tables.isEmpty() ? catalogue.sourceTables : tables;
-}
-
-QString toEditorBreaks(QString text)
-{
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    text.replace(u'\r', u'\n');
-    return text;
-}
-
-QString toWindowsBreaks(const QString& text)
-{
-    QString result = toEditorBreaks(text);
-    result.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
-    return result;
 }
 
 } // namespace MappingFile

@@ -1,19 +1,18 @@
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-// What the host itself needs to know about a mapping object: how to turn a
-// file into the text the control takes, the root element's name (which the
-// control wants as TargetTable) and the catalogue of source tables and fields
-// under SRCTAB, which the host's pickers and builders offer. QtCore only.
+// What the host itself needs to know about a mapping object: the root
+// element's name (which the control wants as TargetTable) and the catalogue
+// of source tables and fields under SRCTAB, which the host's pickers and
+// builders offer. QtCore and the control's core only.
 namespace MappingFile {
 
 struct SourceField {
-    QString qualifiedName; // "table.field" in lower case, array index shown as "(n)"
-    QString description;   // DSCA
+    QString qualifiedName; // "table.field" in lower case, in the form the control shows
+    QString description;   // the field's description
 };
 
 struct SourceTable {
@@ -26,22 +25,10 @@ struct Catalogue {
     QList<SourceTable> sourceTables;
 };
 
-struct Decoded {
-    QString text;
-    bool declarationRemoved = false;
-};
-
-// Decodes file bytes (byte-order mark, else the declared encoding, else
-// UTF-8) and removes a leading XML declaration, since the control needs the
-// root element to be the document's first node.
-Decoded decode(const QByteArray& bytes);
-
-// Reads the root name and the SRCTAB catalogue. On malformed XML returns
-// false and puts a readable reason (with line and column) into *error.
+// Reads the root name and the SRCTAB catalogue through the control's own
+// document rules. A text the control would refuse gives false, with a
+// readable reason (line and column where the XML breaks) in *error.
 bool readCatalogue(const QString& xml, Catalogue* catalogue, QString* error);
-
-// "NOTE__2" -> "note(2)": the shown form of a stored field name.
-QString shownFieldName(const QString& storedName);
 
 // The tables of the catalogue named in a comma-separated list (compared
 // without regard to case); all tables when the list names none of them.
@@ -49,10 +36,5 @@ QList<SourceTable> tablesNamedIn(const Catalogue& catalogue, const QString& comm
 
 // Splits a comma-separated table list, dropping blanks and empty pieces.
 QStringList splitTableList(const QString& commaSeparated);
-
-// Line breaks at the host boundary: the control's texts use CR LF; Qt's
-// editors use LF.
-QString toEditorBreaks(QString text);
-QString toWindowsBreaks(const QString& text);
 
 } // namespace MappingFile

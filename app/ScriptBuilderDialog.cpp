@@ -1,6 +1,8 @@
 #include "ScriptBuilderDialog.h"
 #include "AnswerButtons.h"
 
+#include "core/document/LineBreaks.h"
+
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -50,7 +52,7 @@ ScriptBuilderDialog::ScriptBuilderDialog(Kind kind, const QString& script,
     m_text = new QPlainTextEdit(this);
     m_text->setObjectName(QStringLiteral("txtScript"));
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_text->setPlainText(MappingFile::toEditorBreaks(script));
+    m_text->setPlainText(fb::LfText(script));
     m_text->setReadOnly(!editable);
     m_text->moveCursor(QTextCursor::End);
 

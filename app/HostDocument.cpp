@@ -1,0 +1,170 @@
+#include "HostDocument.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QSettings>
+#include <QStringDecoder>
+
+namespace {
+
+const int MaxRecentFiles = 8;
+
+QString recentFilesKey()
+{
+    return QStringLiteral("recentFiles");
+}
+
+bool startsWithDeclaration(QStringView text)
+{
+    return text.startsWith(u"<?xml") && text.size() > 5 && text.at(5).isSpace();
+}
+
+// The encoding named in a leading declaration, or "" when there is none.
+QByteArray declaredEncoding(const QByteArray& bytes)
+{
+    if (!startsWithDeclaration(QString::fromLatin1(bytes.left(6))))
+        return {};
+    const qsizetype end = bytes.indexOf("?>");
+    if (end < 0)
+        return {};
+    static const QRegularExpression encodingAttr(QStringLiteral("encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
+    const QRegularExpressionMatch m = encodingAttr.match(QString::fromLatin1(bytes.left(end)));
+    return m.hasMatch() ? m.captured(1).toLatin1() : QByteArray();
+}
+
+QString decodeText(const QByteArray& bytes)
+{
+    if (const auto bom = QStringConverter::encodingForData(bytes)) {
+        QStringDecoder decoder(*bom);
+        return decoder(bytes);
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QByteArray declared = declaredEncoding(bytes);
+    if (!declared.isEmpty()) {
+        QStringDecoder named(declared.constData());
+        if (named.isValid())
+            decoder = std::move(named);
+    }
+    return decoder(bytes);
+}
+
+} // namespace
+
+HostDocument::Decoded HostDocument::decode(const QByteArray& bytes)
+{
+    Decoded result;
+    result.text = decodeText(bytes);
+    if (result.text.startsWith(QChar(0xFEFF)))
+        result.text.remove(0, 1);
+    if (startsWithDeclaration(result.text)) {
+        const qsizetype end = result.text.indexOf(QStringLiteral("?>"));
+        if (end >= 0) {
+            qsizetype next = end + 2;
+            while (next < result.text.size() && result.text.at(next).isSpace())
+                ++next;
+            result.text.remove(0, next);
+            result.declarationRemoved = true;
+        }
+    }
+    return result;
+}
+
+QString HostDocument::sampleFileName()
+{
+    return QStringLiteral("klmno001.xml");
+}
+
+bool HostDocument::open(const QString& path, QString* error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = tr("Cannot read %1:\n%2").arg(QDir::toNativeSeparators(path), file.errorString());
+        return false;
+    }
+    const QFileInfo info(path);
+    if (!take(file.readAll(), info.absoluteFilePath(), info.fileName(), error))
+        return false;
+    addRecentFile(m_path);
+    return true;
+}
+
+bool HostDocument::openSample(QString* error)
+{
+    const QString installed = QDir(QCoreApplication::applicationDirPath())
+                                  .filePath(QString::fromUtf8(FIELDBRIDGE_EXAMPLES_FROM_BIN) + u'/' +
+                                            sampleFileName());
+    QFile file(QFileInfo::exists(installed) ? installed : QStringLiteral(":/samples/") + sampleFileName());
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = tr("The sample mapping object is missing.");
+        return false;
+    }
+    return take(file.readAll(), QString(), tr("%1 (sample)").arg(sampleFileName()), error);
+}
+
+bool HostDocument::take(const QByteArray& bytes, const QString& path, const QString& displayName,
+                        QString* error)
+{
+    const Decoded decoded = decode(bytes);
+    MappingFile::Catalogue catalogue;
+    QString reason;
+    if (!MappingFile::readCatalogue(decoded.text, &catalogue, &reason)) {
+        if (error)
+            *error = tr("%1 is not a well-formed mapping object:\n%2").arg(displayName, reason);
+        return false;
+    }
+    m_text = decoded.text;
+    m_declarationRemoved = decoded.declarationRemoved;
+    m_catalogue = catalogue;
+    m_path = path;
+    m_displayName = displayName;
+    m_baseline.clear();
+    return true;
+}
+
+bool HostDocument::save(const QString& controlText, const QString& path, QString* error)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(controlText.toUtf8()) < 0 || !file.commit()) {
+        if (error)
+            *error = tr("Cannot write %1:\n%2").arg(QDir::toNativeSeparators(path), file.errorString());
+        return false;
+    }
+    const QFileInfo info(path);
+    m_path = info.absoluteFilePath();
+    m_displayName = info.fileName();
+    m_baseline = controlText;
+    addRecentFile(m_path);
+    return true;
+}
+
+QStringList HostDocument::recentFiles() const
+{
+    return QSettings().value(recentFilesKey()).toStringList();
+}
+
+void HostDocument::addRecentFile(const QString& path)
+{
+    QStringList files = recentFiles();
+    files.removeAll(path);
+    files.prepend(path);
+    while (files.size() > MaxRecentFiles)
+        files.removeLast();
+    QSettings().setValue(recentFilesKey(), files);
+}
+
+void HostDocument::forgetRecentFile(const QString& path)
+{
+    QStringList files = recentFiles();
+    files.removeAll(path);
+    QSettings().setValue(recentFilesKey(), files);
+}
+
+void HostDocument::clearRecentFiles()
+{
+    QSettings().remove(recentFilesKey());
+}

@@ -1,0 +1,79 @@
+#include "ScreenshotRenderer.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QMouseEvent>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTimer>
+
+namespace {
+
+// Lets the window lay itself out and paint before it is grabbed.
+void settle(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+// A click on a tab as a person makes it, so the control sees what it sees
+// when the user switches tabs.
+void clickTab(QTabWidget* tabs, int index)
+{
+    QTabBar* bar = tabs->tabBar();
+    const QPoint centre = bar->tabRect(index).center();
+    const QPoint global = bar->mapToGlobal(centre);
+    QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(bar, &press);
+    QMouseEvent release(QEvent::MouseButtonRelease, centre, global, Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QApplication::sendEvent(bar, &release);
+}
+
+} // namespace
+
+ScreenshotRenderer::ScreenshotRenderer(QWidget* window)
+    : m_window(window)
+{
+}
+
+QStringList ScreenshotRenderer::render(const QString& dir, QStringList* notes)
+{
+    QStringList written;
+    QStringList problems;
+    if (!QDir().mkpath(dir)) {
+        problems.append(QStringLiteral("cannot create %1").arg(dir));
+    } else {
+        m_window->resize(1280, 800);
+        m_window->show();
+        settle(200);
+        auto* tabs = m_window->findChild<QTabWidget*>(QStringLiteral("MainTab"));
+        if (!tabs)
+            problems.append(QStringLiteral("the control has no tab strip \"MainTab\""));
+        const struct {
+            int tab;
+            QString file;
+        } pages[] = {{0, QStringLiteral("mapping-object.png")}, {1, QStringLiteral("define-dumps.png")}};
+        for (const auto& page : pages) {
+            if (tabs && tabs->currentIndex() != page.tab) {
+                clickTab(tabs, page.tab);
+                settle(300);
+                if (tabs->currentIndex() != page.tab)
+                    problems.append(QStringLiteral("tab %1 did not become current").arg(page.tab));
+            }
+            settle(100);
+            const QString path = QDir(dir).absoluteFilePath(page.file);
+            if (m_window->grab().save(path))
+                written.append(path);
+            else
+                problems.append(QStringLiteral("cannot write %1").arg(path));
+        }
+    }
+    for (const QString& text : m_answerer.answered())
+        problems.append(QStringLiteral("answered a box: %1").arg(text));
+    if (notes)
+        *notes = problems;
+    return written;
+}
