@@ -53,11 +53,6 @@ QString lf(QString text)
     return text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
 }
 
-QString crlf(const QString& text)
-{
-    return lf(text).replace(u'\n', u"\r\n"_s);
-}
-
 // ---------------------------------------------------------------------------
 // XML
 
@@ -207,22 +202,6 @@ ModalAnswerer::Answer ModalAnswerer::document(bool ok, const QString& typed)
     };
 }
 
-ModalAnswerer::Answer ModalAnswerer::chooseTable(const QString& table, bool ok)
-{
-    return [table, ok](QWidget* w) {
-        auto* combo = w->findChild<QComboBox*>(u"CmbTargetTable"_s);
-        if (combo && !table.isEmpty()) {
-            const int index = combo->findText(table);
-            while (combo->currentIndex() < index)
-                QTest::keyClick(combo, Qt::Key_Down);
-            while (combo->currentIndex() > index)
-                QTest::keyClick(combo, Qt::Key_Up);
-        }
-        if (auto* button = w->findChild<QAbstractButton*>(ok ? u"CmdOk"_s : u"CmdCancel"_s))
-            QTest::mouseClick(button, Qt::LeftButton);
-    };
-}
-
 ModalAnswerer::Answer ModalAnswerer::input(const QString& text, bool ok)
 {
     return [text, ok](QWidget* w) {
@@ -274,18 +253,9 @@ void ModalAnswerer::poll()
         r.buttons = box->standardButtons();
     } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
         r.text = input->labelText();
-    } else {
-        if (QWidget* doc = modal->findChild<QWidget*>(u"TxtDoc"_s)) {
-            r.text = plainText(doc);
-            r.textReadOnly = doc->property("readOnly").toBool();
-            r.textVisible = doc->isVisible();
-        }
-        if (auto* ok = modal->findChild<QAbstractButton*>(u"CmdOk"_s))
-            r.okEnabled = ok->isEnabled();
-        if (auto* combo = modal->findChild<QComboBox*>(u"CmbTargetTable"_s)) {
-            r.entries = comboTexts(combo);
-            r.selected = combo->currentText();
-        }
+    } else if (QWidget* doc = modal->findChild<QWidget*>(u"TxtDoc"_s)) {
+        r.text = plainText(doc);
+        r.textVisible = doc->isVisible();
     }
     m_records.append(r);
 
@@ -329,22 +299,6 @@ QStringList rows(const QAbstractItemView* view, int column)
     return out;
 }
 
-QStringList rowTexts(const QAbstractItemView* view, int row)
-{
-    QStringList out;
-    for (int c = 0; c < view->model()->columnCount(); ++c)
-        out.append(cell(view, row, c));
-    return out;
-}
-
-QStringList headerTexts(const QAbstractItemView* view)
-{
-    QStringList out;
-    for (int c = 0; c < view->model()->columnCount(); ++c)
-        out.append(view->model()->headerData(c, Qt::Horizontal).toString());
-    return out;
-}
-
 QStringList comboTexts(const QComboBox* combo)
 {
     QStringList out;
@@ -356,11 +310,6 @@ QStringList comboTexts(const QComboBox* combo)
 bool ticked(const QAbstractItemView* view, int row)
 {
     return view->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
-}
-
-int rowOf(const QAbstractItemView* view, int column, const QString& text)
-{
-    return int(rows(view, column).indexOf(text));
 }
 
 QString plainText(const QWidget* box)
@@ -379,12 +328,6 @@ bool hasFocus(const QWidget* w)
     return w && focus && (focus == w || w->isAncestorOf(focus));
 }
 
-QString focusName()
-{
-    QWidget* f = QApplication::focusWidget();
-    return f ? QString::fromLatin1(f->metaObject()->className()) + u' ' + f->objectName() : u"(none)"_s;
-}
-
 // ---------------------------------------------------------------------------
 // A person's hands
 
@@ -393,12 +336,6 @@ void clickCell(QAbstractItemView* view, int row, int column, Qt::KeyboardModifie
     const QModelIndex index = view->model()->index(row, column);
     view->scrollTo(index);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
-}
-
-void doubleClickCell(QAbstractItemView* view, int row, int column)
-{
-    clickCell(view, row, column);
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(view->model()->index(row, column)).center());
 }
 
 void clickCheckBox(QAbstractItemView* view, int row)
@@ -449,12 +386,6 @@ void chooseInOpenList(QComboBox* combo, int index)
     QTest::keyClick(list, Qt::Key_Return);
 }
 } // namespace
-
-void pickInCombo(QComboBox* combo, int index)
-{
-    QTest::mouseClick(combo, Qt::LeftButton);
-    chooseInOpenList(combo, index);
-}
 
 void typeText(QWidget* target, const QString& text)
 {

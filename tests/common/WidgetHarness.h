@@ -37,8 +37,6 @@ QString tempDir();                           // $FIELDBRIDGE_TEMP, ending in '/'
 
 // Line breaks as a person reads them: CR LF and lone CR as "\n".
 QString lf(QString text);
-// And as the control's boxes hand them over: CR LF.
-QString crlf(const QString& text);
 
 // ---------------------------------------------------------------------------
 // The XML handed back, as a small tree
@@ -78,11 +76,7 @@ struct ModalRecord {
     QString text; // message box: its text; FrmTxtDoc: TxtDoc's text; input box: the prompt
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons;
-    bool textReadOnly = false; // FrmTxtDoc: TxtDoc locked
     bool textVisible = false;  // FrmTxtDoc: TxtDoc shown
-    bool okEnabled = false;    // FrmTxtDoc: CmdOk enabled
-    QStringList entries;       // FrmTxtDoc: its table selector's entries
-    QString selected;          // FrmTxtDoc: the entry selected when it opened
 };
 
 // Answers modal boxes while the code under test waits in their exec(): a
@@ -110,9 +104,6 @@ public:
     // FrmTxtDoc as documentation: type a text over the one shown (a null
     // text types nothing), then CmdOk or CmdCancel (Cancel when OK is off).
     static Answer document(bool ok, const QString& typed = {});
-    // FrmTxtDoc as table chooser: pick the table (empty: keep the preset)
-    // with the keyboard, then CmdOk or CmdCancel.
-    static Answer chooseTable(const QString& table, bool ok = true);
     // An input box: type the text, then OK or Cancel.
     static Answer input(const QString& text, bool ok = true);
     static void close(QWidget* box);
@@ -132,22 +123,17 @@ private:
 
 QString cell(const QAbstractItemView* view, int row, int column);
 QStringList rows(const QAbstractItemView* view, int column = 0); // one cell per row
-QStringList rowTexts(const QAbstractItemView* view, int row);     // every cell of a row
-QStringList headerTexts(const QAbstractItemView* view);
 QStringList comboTexts(const QComboBox* combo);
 bool ticked(const QAbstractItemView* view, int row);
-int rowOf(const QAbstractItemView* view, int column, const QString& text); // -1 when none
 QString plainText(const QWidget* box);
 bool ownEnabled(const QWidget* w); // its own flag, whatever its frame's state
 bool hasFocus(const QWidget* w);   // the focus is in w or one of its parts
-QString focusName();
 
 // ---------------------------------------------------------------------------
 // A person's hands
 
 // A click in the middle of a cell, scrolled into view first.
 void clickCell(QAbstractItemView* view, int row, int column = 0, Qt::KeyboardModifiers modifiers = {});
-void doubleClickCell(QAbstractItemView* view, int row, int column);
 void clickCheckBox(QAbstractItemView* view, int row);
 void clickHeader(QTreeView* view, int column);
 // A click into the empty part of a list below its rows: the focus goes to
@@ -155,8 +141,6 @@ void clickHeader(QTreeView* view, int column);
 void clickBelowRows(QAbstractItemView* view);
 // A click into a box, an editor's viewport or a button.
 void clickInto(QWidget* w);
-// A click opens the selector's list, arrows move to the entry, Enter takes it.
-void pickInCombo(QComboBox* combo, int index);
 // Types into a widget: "\n" is the Return key, "\t" the Tab key.
 void typeText(QWidget* target, const QString& text);
 // Sends a key to whatever has the focus.
