@@ -41,6 +41,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <cmath>
 #include <cstdio>
 #include <deque>
@@ -60,6 +61,15 @@ using Clock = std::chrono::steady_clock;
 double msSince(Clock::time_point start)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// The CPU time of this process: on a machine shared with other work it
+// varies less than the wall-clock time a user waits.
+double cpuMs()
+{
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
 }
 
 double median(std::vector<double> v)
@@ -323,6 +333,7 @@ double waitForRowsChange(const QTreeView* view, int before, int limitMs = 500)
 
 struct Measure {
     std::vector<double> runs; // ms, or MiB for memory
+    std::vector<double> cpu;  // CPU ms of the process over the same span, where known
     QString skipped;          // why there is no figure
     double value() const { return median(runs); }
     bool has() const { return !runs.empty(); }
@@ -366,7 +377,21 @@ public:
     }
 
 private:
-    void add(const QString& name, double ms) { m_out.m[name].runs.push_back(ms); }
+    // The start of a timed span: wall clock now, CPU time noted.
+    Clock::time_point begin()
+    {
+        m_cpuStart = cpuMs();
+        return Clock::now();
+    }
+    // A figure of the span since begin(); withCpu false for a figure that is
+    // not that span (the slowest of several keys).
+    void add(const QString& name, double ms, bool withCpu = true)
+    {
+        Measure& m = m_out.m[name];
+        m.runs.push_back(ms);
+        if (withCpu)
+            m.cpu.push_back(cpuMs() - m_cpuStart);
+    }
     void skip(const QString& name, const QString& why)
     {
         if (!m_out.m[name].has())
@@ -400,13 +425,13 @@ private:
         for (int i = 0; i < m_runs; ++i) {
             QByteArray copy(utf8.constData(), utf8.size());
             pugi::xml_document doc;
-            auto start = Clock::now();
+            auto start = begin();
             check(parseInPlace(doc, copy), u"pugixml could not parse the generated text"_s);
             add(u"floor: parse"_s, msSince(start));
         }
         for (int i = 0; i < m_runs; ++i) {
             pugi::xml_document doc;
-            auto start = Clock::now();
+            auto start = begin();
             QByteArray converted = text.toUtf8();
             parseInPlace(doc, converted);
             add(u"floor: convert+parse"_s, msSince(start));
@@ -416,7 +441,7 @@ private:
         parseInPlace(doc, copy);
         const QString path = QDir(qEnvironmentVariable("FIELDBRIDGE_TEMP")).filePath(u"floor.xml"_s);
         for (int i = 0; i < m_runs; ++i) {
-            auto start = Clock::now();
+            auto start = begin();
             StringWriter writer;
             doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
             const QString back = QString::fromUtf8(writer.out.data(), qsizetype(writer.out.size()));
@@ -433,7 +458,7 @@ private:
     {
         for (int i = 0; i < m_runs; ++i) {
             m_host.recreate();
-            auto start = Clock::now();
+            auto start = begin();
             m_host.load(text);
             settle();
             add(u"load"_s, msSince(start));
@@ -444,7 +469,7 @@ private:
     {
         QString last;
         for (int i = 0; i < m_runs; ++i) {
-            auto start = Clock::now();
+            auto start = begin();
             last = m_host.ctl->property("MappingObjectXML").toString();
             add(u"read"_s, msSince(start));
         }
@@ -468,8 +493,8 @@ private:
             m_out.notes.append(u"a screen control of the contract is missing; no actions measured"_s);
             return;
         }
-        const auto timed = [](const std::function<void()>& action) {
-            const auto start = Clock::now();
+        const auto timed = [this](const std::function<void()>& action) {
+            const auto start = begin();
             action();
             settle();
             return msSince(start);
@@ -572,7 +597,7 @@ private:
                                               QTest::keyClicks(precondition, QString(c));
                                       }));
             }
-            add(u"type in the precondition (slowest key)"_s, slowestKey);
+            add(u"type in the precondition (slowest key)"_s, slowestKey, false);
             add(u"store the precondition"_s, timed([&] {
                     QWidget* port = sourceTables->viewport();
                     QTest::mouseClick(port, Qt::LeftButton, {}, QPoint(port->width() / 2, port->height() - 4));
@@ -602,7 +627,7 @@ private:
             slowest = std::max(slowest, msSince(start));
         }
         slowest = std::max(slowest, waitForRowsChange(list, before));
-        add(name, slowest);
+        add(name, slowest, false);
         QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(box, Qt::Key_Delete);
         settle();
@@ -625,7 +650,7 @@ private:
             const double ms = msSince(start);
             slowest = std::max({slowest, ms, ms + waitForRowsChange(list, before, 200)});
         }
-        add(name, slowest);
+        add(name, slowest, false);
     }
 
     QString m_size;
@@ -633,6 +658,7 @@ private:
     SizeResults& m_out;
     Host m_host;
     ModalAnswerer m_modals;
+    double m_cpuStart = 0;
 };
 
 // ---------------------------------------------------------------------------
@@ -912,6 +938,13 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
                 for (double r : m->runs)
                     runs.append(r);
                 s[u"runs"_s] = runs;
+                if (!m->cpu.empty()) {
+                    QJsonArray cpu;
+                    for (double c : m->cpu)
+                        cpu.append(c);
+                    s[u"cpuRuns"_s] = cpu;
+                    s[u"cpuMedian"_s] = median(m->cpu);
+                }
                 if (!row.floorKey.isEmpty() && get(size, row.floorKey))
                     s[u"ratioToFloor"_s] = m->value() / value(size, row.floorKey);
                 o[size] = s;
@@ -971,7 +1004,8 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
         std::printf("skipped: %s\n", qPrintable(s));
     std::printf("Times are medians of several runs; memory is the peak resident set (VmHWM) of a fresh process\n"
                 "after the same set-up, reset just before the phase. \"floor\" and \"x floor\" are at the largest\n"
-                "size measured. Growth (huge/large) is judged only above %.0f ms at huge.\n",
+                "size measured. Growth (huge/large) is judged only above %.0f ms at huge. The JSON holds every run,\n"
+                "and the process's CPU time beside the wall-clock time of each timed span.\n",
                 kGrowthJudgedAboveMs);
 
     const QString model = machineModel();
