@@ -956,6 +956,8 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
             o[u"floor"_s] = row.floorKey;
         o[u"goal"_s] = v.goal;
         o[u"met"_s] = v.met;
+        if (!v.failed.isEmpty())
+            o[u"failed"_s] = QJsonArray::fromStringList(v.failed);
         jsonRows.append(o);
     }
 
