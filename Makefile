@@ -31,9 +31,22 @@ test: build | $(XDG_RUNTIME_DIR)
 test-asan:
 	$(MAKE) test PRESET=asan
 
-bench:
-	$(MAKE) build PRESET=release
-	@for b in build/release/bench/bench_*; do [ -x "$$b" ] && "$$b"; done
+# The benchmarks in a release build of only their own targets: bench_core
+# (Google Benchmark, the pure core) and bench_control (what a user of the
+# control waits for), printed as one table and written to
+# build/release/bench-results.json. BENCH_ARGS go to bench_control, e.g.
+# BENCH_ARGS="--sizes large --runs 3".
+BENCH_ARGS ?=
+bench: deps | $(XDG_RUNTIME_DIR)
+	@chmod 0700 $(XDG_RUNTIME_DIR)
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS) --target bench_core bench_control
+	@build/release/bench/bench_core --benchmark_out=build/release/bench-core.json \
+		--benchmark_out_format=json > build/release/bench-core.log 2>&1 \
+		|| { cat build/release/bench-core.log; exit 1; }
+	@build/release/bench/bench_control --core build/release/bench-core.json \
+		--json build/release/bench-results.json \
+		--commit "$$(git rev-parse --short HEAD 2>/dev/null)" $(BENCH_ARGS)
 
 demo: build | $(XDG_RUNTIME_DIR)
 	@bash scripts/demo.sh "$(BUILD)" "$(PREFIX)"
