@@ -265,6 +265,8 @@ void DefineDumpsView::connectSession()
     connect(s, &MappingSession::commandEnabledChanged, this, [this](MappingSession::Command c) {
         if (QPushButton* b = buttonOf(c))
             b->setEnabled(m_session.commandEnabled(c));
+        else if (c == MappingSession::Command::CmbTargetTable)
+            m_cmbTargetTable->setEnabled(m_session.commandEnabled(c));
     });
     connect(s, &MappingSession::gridCurrentChanged, this, &DefineDumpsView::showGridCurrent);
     connect(s, &MappingSession::gridScrollToTop, m_rulesGrid, &QTableView::scrollToTop);

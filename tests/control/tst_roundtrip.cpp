@@ -231,7 +231,7 @@ private Q_SLOTS:
             // the line break any parser makes of it.
             check(u"hidden QUERY"_s, doc.child(u"QUERY"_s, u"ST"_s, u"srcbb002"_s).text, oneBreakEach(g.hiddenQuery));
             check(u"FUNCTIONS"_s, doc.child(u"FUNCTIONS"_s).text, shownAndStored(g.functions));
-            check(u"VAR"_s, doc.child(u"VAR"_s).text, variablesShown(g.variables));
+            check(u"VAR"_s, doc.child(u"VAR"_s).text, asParsed(variablesShown(g.variables)));
             for (int d = 0; d < 2; ++d) {
                 const XmlElement dump = doc.dump(d + 1);
                 QStringList kept;

@@ -22,4 +22,12 @@ QString CrLfText(const QString& text)
     return out;
 }
 
+QString StoredText(const QString& text)
+{
+    for (QChar c : text)
+        if (c != u' ' && c != u'\t' && c != u'\n' && c != u'\r')
+            return LfText(text);
+    return QString();
+}
+
 } // namespace fb

@@ -12,5 +12,9 @@ namespace fb {
 QString LfText(const QString& text);
 // Each break as one CR LF: the form a box or a grid cell holds.
 QString CrLfText(const QString& text);
+// A text as the document stores it: each break as one LF, and a text of only
+// blanks, tabs and breaks as no text at all (the parser drops such text, so
+// it would not survive the document being written out and read again).
+QString StoredText(const QString& text);
 
 } // namespace fb

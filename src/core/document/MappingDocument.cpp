@@ -212,12 +212,13 @@ bool MappingDocument::LoadXml(const QString& text)
         }
         ok = ok && elements == 1;
     }
-    // Only a character reference can leave a CR in element text (the parser
-    // turns literal ones into LF). The serialiser would write it as it is,
-    // and the next parse would turn it into LF after all; doing that now
-    // keeps every later read the same.
-    if (ok && verdict.crInText)
-        detail::NormaliseTextLineEnds(d->doc);
+    // Only a character reference can leave a CR in element text, or text of
+    // only blanks (the parser turns literal CRs into LF and drops blank
+    // text). The serialiser would write them as they are, and the next parse
+    // would change them after all; doing that now keeps every later read the
+    // same.
+    if (ok && verdict.textToNormalise)
+        detail::NormaliseText(d->doc);
     if (!ok) {
         d->doc.reset();
         d->buffer.clear();
@@ -407,7 +408,7 @@ bool MappingDocument::SetText(const Node& node, const QString& text)
     if (!node)
         return false;
     pugi::xml_node n = toPugi(node.m_node);
-    const QString value = LfText(text);
+    const QString value = StoredText(text);
     touchChildrenOf(n.internal_object());
     if (n.type() != pugi::node_element)
         return n.set_value(utf8(value).c_str());

@@ -185,6 +185,7 @@ private:
     QHash<qint16, QString> m_knownDumps;
     QStringList m_migrateTables{QString()};
 
+    bool rootIsTheTable() const;
     Node appendToFirstChild(const QString& name, const QString& attrName = QString(),
                             const QString& attrValue = QString());
     bool setSectionText(const QString& section, const QString& text);

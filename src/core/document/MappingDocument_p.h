@@ -36,14 +36,15 @@ inline QString fromUtf8(const char* s)
 
 // Markup that the parser accepts and XML does not (see MarkupChecks.cpp):
 // whether the text is well-formed, and whether a character reference puts a
-// CR into element text.
+// break or a blank into element text.
 struct MarkupVerdict {
     bool wellFormed = false;
-    bool crInText = false;
+    bool textToNormalise = false;
 };
 MarkupVerdict CheckMarkup(QStringView text);
-// Each line break in element text as one LF.
-void NormaliseTextLineEnds(pugi::xml_document& doc);
+// Element text as the document stores it (StoredText): each break as one
+// LF, no text of only blanks and breaks.
+void NormaliseText(pugi::xml_document& doc);
 
 } // namespace fb::detail
 

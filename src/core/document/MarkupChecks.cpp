@@ -6,11 +6,24 @@ namespace fb {
 
 namespace detail {
 
-void NormaliseTextLineEnds(pugi::xml_document& doc)
+void NormaliseText(pugi::xml_document& doc)
 {
     for (pugi::xml_node cur = doc.first_child(); cur;) {
-        if (cur.type() == pugi::node_pcdata && std::strchr(cur.value(), '\r'))
-            cur.set_value(utf8(LfText(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))))).c_str());
+        if (cur.type() == pugi::node_pcdata &&
+            (std::strchr(cur.value(), '\r') || std::strspn(cur.value(), " \t\r\n") == std::strlen(cur.value()))) {
+            const QString stored = StoredText(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))));
+            if (stored.isEmpty()) {
+                const pugi::xml_node gone = cur;
+                // On to the next node before this one goes.
+                while (cur && !cur.next_sibling())
+                    cur = cur.parent();
+                if (cur)
+                    cur = cur.next_sibling();
+                gone.parent().remove_child(gone);
+                continue;
+            }
+            cur.set_value(utf8(stored).c_str());
+        }
         if (cur.first_child()) {
             cur = cur.first_child();
             continue;
@@ -72,7 +85,7 @@ public:
             }
             ++i;
         }
-        return {true, m_crInText};
+        return {true, m_textToNormalise};
     }
 
 private:
@@ -131,7 +144,10 @@ private:
                 value = value * (hex ? 16 : 10) + char32_t(v);
             }
             ok = ok && isXmlChar(value);
-            m_crInText = m_crInText || (ok && value == 0xD && !inTag);
+            // A break or a blank that a reference puts into element text is
+            // not one the parser has seen: the text is looked at again.
+            m_textToNormalise = m_textToNormalise ||
+                                (ok && !inTag && (value == 0xD || value == 0xA || value == 0x9 || value == 0x20));
         } else {
             ok = name == u"lt" || name == u"gt" || name == u"amp" || name == u"quot" || name == u"apos" ||
                  (m_internalSubset && IsXmlName(name.toString()));
@@ -237,7 +253,7 @@ private:
     const char16_t* m_t;
     qsizetype m_n;
     bool m_internalSubset = false; // entities may be declared there
-    bool m_crInText = false;       // a reference put a CR into element text
+    bool m_textToNormalise = false; // a reference put a break or a blank into element text
     int m_openElements = 0;        // elements open at the current position
     QList<QStringView> m_attributes;
 };

@@ -35,6 +35,15 @@ constexpr unsigned kParseFlags = pugi::parse_default | pugi::parse_declaration |
 
 // ---- section accessors ----------------------------------------------------
 
+bool MappingDocument::rootIsTheTable() const
+{
+    // Sections are found under a root named exactly as the 8-character table
+    // name; a section appended to a root of another name could never be
+    // found again, and every later write would append one more.
+    const Node root = DocumentElement();
+    return !root || root.name() == m_tableName;
+}
+
 Node MappingDocument::appendToFirstChild(const QString& name, const QString& attrName, const QString& attrValue)
 {
     const Node first = FirstChild();
@@ -42,6 +51,8 @@ Node MappingDocument::appendToFirstChild(const QString& name, const QString& att
         RecordError(0, QString(), kErrNoObject, QString::fromUtf16(kNoObjectText));
         return Node();
     }
+    if (!rootIsTheTable())
+        return Node();
     return AppendChildElement(first, name, attrName, attrValue);
 }
 
@@ -81,7 +92,7 @@ Node MappingDocument::GetSourceTablesNode()
 bool MappingDocument::SetSourceTablesText(const QString& text)
 {
     Node n = GetSourceTablesNode();
-    if (!n)
+    if (!n && rootIsTheTable())
         n = AppendChildElement(DocumentElement(), QStringLiteral("SRCTBL"));
     return SetText(n, text);
 }
@@ -289,7 +300,7 @@ void MappingDocument::fillRule(const Node& element, const QString& rule)
         return;
     SetText(element, rule);
     // TYPE follows the text as it is stored, whatever form its breaks had.
-    const bool lines = LfText(rule).contains(u'\n');
+    const bool lines = StoredText(rule).contains(u'\n');
     SetNodeAttribute(element, QStringLiteral("TYPE"), lines ? QStringLiteral("1") : QStringLiteral("0"));
 }
 

@@ -192,6 +192,9 @@ void MappingSession::EnableEditing()
                       Command::CmdMap, Command::CmdOk, Command::CmdSelectSource, Command::cmdBuildMQ,
                       Command::CmdBuildPre, Command::CmdFuncBuild, Command::CmdCopyDump, Command::CmdChange})
         enable(c, false);
+    // The choice of a dump's target table is written into the dump when it
+    // is stored: in read-only mode it stays with the dump's own table.
+    enable(Command::CmbTargetTable, false);
 }
 
 // ---- tabs --------------------------------------------------------------------

@@ -27,12 +27,14 @@ class MappingSession : public QObject {
 public:
     // The script boxes of the "Mapping Object" tab and the grid's overlay box.
     enum class Box { PreCondition, MainQuery, Functions, Variables, Overlay };
-    // The commands whose enabled state the session decides.
+    // The commands whose enabled state the session decides, and the
+    // target-table selector (a choice there is written into the dump).
     enum class Command {
         CmdSelectSource, CmdBuildPre, CmdPreDoc, CmdPreEditor, cmdBuildMQ, CmdMQDoc, CmdMqEditor,
-        CmdOk, CmdFuncEditor, CmdFuncBuild, CmdEditRule, CmdMap, CmdGuess, CmdCopyDump, CmdChange
+        CmdOk, CmdFuncEditor, CmdFuncBuild, CmdEditRule, CmdMap, CmdGuess, CmdCopyDump, CmdChange,
+        CmbTargetTable
     };
-    static constexpr size_t kCommands = size_t(Command::CmdChange) + 1;
+    static constexpr size_t kCommands = size_t(Command::CmbTargetTable) + 1;
     // What the shared script area of the "Mapping Object" tab shows.
     enum class ScriptView { PreCondition, Functions, Variables };
     // Where the session sends the keyboard focus.
