@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzz target of the fuzz build for a bounded time.
+# Runs every fuzz target of the fuzz build for a bounded time, then the
+# monkey test of the control with many steps.
 #
 #   scripts/fuzz.sh BUILD_DIR
 #
@@ -7,6 +8,8 @@
 # FUZZ_MAX_LEN   largest input in bytes (default 32768: deep enough for the
 #                nesting limit)
 # FUZZ_TARGETS   the targets to run (default: fuzz_document fuzz_control)
+# FUZZ_MONKEY_STEPS  steps per row of the monkey test (default 3000; 0 skips it)
+# FIELDBRIDGE_MONKEY_SEED  the monkey's seed (default: a new one, printed)
 #
 # Each target keeps its corpus in build/fuzz-corpus/<target>, seeded from
 # examples/, fuzz/seeds/ and fuzz/regressions/. A crash, leak, hang or broken
@@ -18,6 +21,7 @@ build=${1:-build/fuzz}
 seconds=${FUZZ_SECONDS:-300}
 max_len=${FUZZ_MAX_LEN:-32768}
 targets=${FUZZ_TARGETS:-fuzz_document fuzz_control}
+monkey_steps=${FUZZ_MONKEY_STEPS:-3000}
 artifacts=build/fuzz-artifacts
 
 export ASAN_OPTIONS="${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1:strict_string_checks=1}"
@@ -50,6 +54,21 @@ for target in $targets; do
     echo "   full log: $log"
   fi
 done
+
+if [ "$monkey_steps" -gt 0 ]; then
+  seed=${FIELDBRIDGE_MONKEY_SEED:-$(date +%s)}
+  log="$artifacts/tst_monkey.log"
+  echo "== monkey test: $monkey_steps steps per row, seed $seed"
+  if FIELDBRIDGE_MONKEY_SEED=$seed FIELDBRIDGE_MONKEY_STEPS=$monkey_steps \
+     FIELDBRIDGE_TEMP="$PWD/$build/monkey-scratch" FIELDBRIDGE_EXAMPLES="$PWD/examples" \
+     "$build/tests/control/tst_monkey" >"$log" 2>&1; then
+    summary+=("tst_monkey: $monkey_steps steps per row, seed $seed")
+  else
+    failed+=("tst_monkey (seed $seed)")
+    grep -E "^(FAIL|monkey: replay)|SUMMARY" "$log" | head -8
+    echo "   full log: $log"
+  fi
+fi
 
 echo "== summary"
 printf '   %s\n' "${summary[@]}"
