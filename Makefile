@@ -9,7 +9,7 @@ PREFIX  ?= $(CURDIR)/build/install
 export QT_QPA_PLATFORM ?= offscreen
 export XDG_RUNTIME_DIR ?= $(CURDIR)/build/xdg-runtime
 
-.PHONY: test demo deps configure build test-asan bench clean
+.PHONY: test demo deps configure build test-asan bench fuzz clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -47,6 +47,19 @@ bench: deps | $(XDG_RUNTIME_DIR)
 	@build/release/bench/bench_control --core build/release/bench-core.json \
 		--json build/release/bench-results.json \
 		--commit "$$(git rev-parse --short HEAD 2>/dev/null)" $(BENCH_ARGS)
+
+# The fuzz targets and the monkey test, built with clang under the sanitizers
+# and run for a bounded time each (FUZZ_SECONDS, default 300); see
+# scripts/fuzz.sh for the other knobs. A crash fails the run and leaves its
+# reproducer in build/fuzz-artifacts.
+FUZZ_SECONDS ?= 300
+export FUZZ_SECONDS
+
+fuzz: deps | $(XDG_RUNTIME_DIR)
+	@chmod 0700 $(XDG_RUNTIME_DIR)
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	@bash scripts/fuzz.sh build/fuzz
 
 demo: build | $(XDG_RUNTIME_DIR)
 	@bash scripts/demo.sh "$(BUILD)" "$(PREFIX)"

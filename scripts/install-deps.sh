@@ -9,6 +9,7 @@ packages=(
   qt6-base-dev libqt6opengl6-dev qt6-tools-dev qt6-tools-dev-tools
   libpugixml-dev libqscintilla2-qt6-dev
   libgtest-dev libbenchmark-dev
+  clang libclang-rt-14-dev
   fonts-dejavu-core
 )
 

@@ -14,23 +14,10 @@ using detail::toPugi;
 using detail::utf8;
 
 namespace {
-constexpr qint16 kErrInvalidXml = 1;
-const char16_t kInvalidXmlText[] = u"The Loaded XML was not a Valid XML. Please refresh";
-constexpr qint16 kErrGetNode = 2001;
-const char16_t kGetNodeText[] = u"Error Getting Node (GetNode)";
-// Failures of the object model that are recorded as run-time errors: an
-// object that is not there, and a name the DOM refuses.
+// A failure of the object model that is recorded as a run-time error: an
+// object that is not there.
 constexpr qint16 kErrNoObject = 91;
 const char16_t kNoObjectText[] = u"Object variable or With block variable not set";
-constexpr qint16 kErrInvalidName = 2005;
-
-// Declarations, processing instructions, comments and document types are
-// kept as nodes, so that a document starting with one of them has that node,
-// not the root element, as its first child. Parsing as a fragment keeps text
-// outside the root element, so that it can be refused as not well-formed.
-constexpr unsigned kParseFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
-                                 pugi::parse_comments | pugi::parse_doctype | pugi::parse_fragment;
-
 } // namespace
 
 // ---- section accessors ----------------------------------------------------
