@@ -202,6 +202,22 @@ ModalAnswerer::Answer ModalAnswerer::document(bool ok, const QString& typed)
     };
 }
 
+ModalAnswerer::Answer ModalAnswerer::chooseTable(const QString& table, bool ok)
+{
+    return [table, ok](QWidget* w) {
+        auto* combo = w->findChild<QComboBox*>(u"CmbTargetTable"_s);
+        if (combo && !table.isEmpty()) {
+            const int index = combo->findText(table);
+            while (combo->currentIndex() < index)
+                QTest::keyClick(combo, Qt::Key_Down);
+            while (combo->currentIndex() > index)
+                QTest::keyClick(combo, Qt::Key_Up);
+        }
+        if (auto* button = w->findChild<QAbstractButton*>(ok ? u"CmdOk"_s : u"CmdCancel"_s))
+            QTest::mouseClick(button, Qt::LeftButton);
+    };
+}
+
 ModalAnswerer::Answer ModalAnswerer::input(const QString& text, bool ok)
 {
     return [text, ok](QWidget* w) {

@@ -104,6 +104,9 @@ public:
     // FrmTxtDoc as documentation: type a text over the one shown (a null
     // text types nothing), then CmdOk or CmdCancel (Cancel when OK is off).
     static Answer document(bool ok, const QString& typed = {});
+    // FrmTxtDoc as table chooser: pick the table (empty: keep the preset)
+    // with the keyboard, then CmdOk or CmdCancel.
+    static Answer chooseTable(const QString& table, bool ok = true);
     // An input box: type the text, then OK or Cancel.
     static Answer input(const QString& text, bool ok = true);
     static void close(QWidget* box);
