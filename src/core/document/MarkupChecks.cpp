@@ -2,6 +2,10 @@
 
 #include "LineBreaks.h"
 
+#include <QVarLengthArray>
+
+#include <array>
+
 namespace fb {
 
 namespace detail {
@@ -63,12 +67,13 @@ public:
     {
         qsizetype i = 0;
         while (i < m_n) {
-            const char16_t c = m_t[i];
-            // The common case first: a character of text with no meaning.
-            if (c >= 0x20 && c < 0xD800 && c != u'<' && c != u'&' && c != u']') {
+            // The common case first: characters of text with no meaning.
+            while (i < m_n && m_t[i] >= 0x20 && m_t[i] < 0xD800 && m_t[i] != u'<' && m_t[i] != u'&' &&
+                   m_t[i] != u']')
                 ++i;
-                continue;
-            }
+            if (i >= m_n)
+                break;
+            const char16_t c = m_t[i];
             if (c == u'<') {
                 if (!markup(i))
                     return {};
@@ -203,59 +208,100 @@ private:
     {
         int depth = 0;
         char16_t quote = 0;
-        qsizetype token = -1;  // start of the name being read, outside quotes
-        qsizetype lastStart = -1, lastEnd = -1;
+        qsizetype lastStart = -1, lastEnd = -1; // the last name read outside quotes
         m_attributes.clear();
         for (qsizetype j = from; j < m_n; ++j) {
-            const char16_t c = m_t[j];
-            if (!(c >= 0x20 && c < 0xD800) && !character(j))
-                return -1;
             if (quote) {
-                if (c == quote)
+                // Through the quoted value to what matters in it.
+                while (j < m_n && m_t[j] != quote && m_t[j] != u'<' && m_t[j] != u'&' && m_t[j] >= 0x20 &&
+                       m_t[j] < 0xD800)
+                    ++j;
+                if (j >= m_n)
+                    return -1;
+                const char16_t q = m_t[j];
+                if (q == quote)
                     quote = 0;
-                else if (!documentType && (c == u'<' || (c == u'&' && !reference(j, true))))
+                else if (!(q >= 0x20 && q < 0xD800) && !character(j))
+                    return -1;
+                else if (!documentType && (q == u'<' || (q == u'&' && !reference(j, true))))
                     return -1;
                 continue;
             }
-            const bool separator = c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
-            if (!separator && c != u'=' && c != u'"' && c != u'\'' && c != u'>' && c != u'/') {
-                if (token < 0)
-                    token = j;
-                continue;
+            // A run of name characters.
+            const qsizetype start = j;
+            while (j < m_n) {
+                const char16_t c = m_t[j];
+                if (c < 0x80) {
+                    if (!kNameCharacter[c])
+                        break;
+                } else if (!character(j)) {
+                    return -1;
+                }
+                ++j;
             }
-            if (token >= 0) {
-                lastStart = token;
+            if (j > start) {
+                lastStart = start;
                 lastEnd = j;
-                token = -1;
             }
-            if (c == u'=' && !documentType && lastStart >= 0) {
-                // The name before "=" is an attribute's: it must not repeat.
-                const QStringView name(m_t + lastStart, lastEnd - lastStart);
-                for (const QStringView& seen : m_attributes)
-                    if (seen == name)
-                        return -1;
-                m_attributes.append(name);
-                lastStart = -1;
-            } else if (c == u'"' || c == u'\'') {
-                quote = c;
-            } else if (documentType && c == u'[') {
-                ++depth;
-                m_internalSubset = true;
-            } else if (documentType && c == u']') {
-                --depth;
-            } else if (c == u'>' && depth <= 0) {
-                return j;
+            if (j >= m_n)
+                return -1;
+            switch (m_t[j]) {
+            case u' ':
+            case u'\t':
+            case u'\n':
+            case u'\r':
+            case u'/':
+                break;
+            case u'=':
+                if (!documentType && lastStart >= 0) {
+                    // The name before "=" is an attribute's: it must not repeat.
+                    const QStringView name(m_t + lastStart, lastEnd - lastStart);
+                    for (const QStringView& seen : m_attributes)
+                        if (seen.size() == name.size() && seen == name)
+                            return -1;
+                    m_attributes.append(name);
+                    lastStart = -1;
+                }
+                break;
+            case u'"':
+            case u'\'':
+                quote = m_t[j];
+                break;
+            case u'[':
+                if (documentType) {
+                    ++depth;
+                    m_internalSubset = true;
+                }
+                break;
+            case u']':
+                if (documentType)
+                    --depth;
+                break;
+            case u'>':
+                if (depth <= 0)
+                    return j;
+                break;
+            default:
+                return -1; // a character XML forbids
             }
         }
         return -1;
     }
+
+    // ASCII characters that continue a name (or a word) inside a tag.
+    static constexpr std::array<bool, 128> kNameCharacter = [] {
+        std::array<bool, 128> table{};
+        for (int c = 0x21; c < 0x7F; ++c)
+            table[size_t(c)] = c != '"' && c != '\'' && c != '=' && c != '>' && c != '/' && c != '[' && c != ']';
+        return table;
+    }();
 
     const char16_t* m_t;
     qsizetype m_n;
     bool m_internalSubset = false; // entities may be declared there
     bool m_textToNormalise = false; // a reference put a break or a blank into element text
     int m_openElements = 0;        // elements open at the current position
-    QList<QStringView> m_attributes;
+    QVarLengthArray<QStringView, 16> m_attributes;
 };
 
 } // namespace
