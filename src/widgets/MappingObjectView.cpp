@@ -307,11 +307,10 @@ void MappingObjectView::connectSession()
         m_sourceTables->removeRows(0, m_sourceTables->rowCount());
         for (const QString& row : m_session.sourceTableRows())
             m_sourceTables->appendRow(new QStandardItem(row));
-        // The fields of the listed source tables are offered for completion.
-        const QStringList fields = m_session.sourceFieldNames();
-        for (ScriptEditor* e : {m_txtPreCondition, m_txtMainQuery, m_txtFunctions, m_txtVariables})
-            e->setCompletionWords(fields);
     });
+    // The fields of the listed source tables are offered for completion.
+    for (ScriptEditor* e : {m_txtPreCondition, m_txtMainQuery, m_txtFunctions, m_txtVariables})
+        e->setCompletionSource([s] { return s->sourceFieldNames(); });
     connect(s, &MappingSession::migrateRowsChanged, this, [this] {
         m_migrateSources->removeRows(0, m_migrateSources->rowCount());
         for (const QString& row : m_session.migrateRows())

@@ -116,9 +116,9 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
 }
 
 
-void ScriptEditor::setCompletionWords(const QStringList& words)
+void ScriptEditor::setCompletionSource(std::function<QStringList()> source)
 {
-    m_completionWords = words;
+    m_completionSource = std::move(source);
 }
 
 QString ScriptEditor::wordBeforeCursor(int* start) const
@@ -150,7 +150,8 @@ void ScriptEditor::completeWord()
         return;
     const QString prefix = wordBeforeCursor(nullptr);
     QStringList matches;
-    for (const QString& w : m_completionWords)
+    const QStringList words = m_completionSource ? m_completionSource() : QStringList();
+    for (const QString& w : words)
         if (w.startsWith(prefix, Qt::CaseInsensitive))
             matches.append(w);
     if (matches.isEmpty())

@@ -2,6 +2,8 @@
 
 #include <Qsci/qsciscintilla.h>
 
+#include <functional>
+
 namespace fb {
 
 // The editor of every script box: line numbers, the keywords "migrate" (with
@@ -19,9 +21,10 @@ public:
     void setPlainText(const QString& text);
     void setReadOnly(bool locked) override;
 
-    // Words offered on Ctrl+Space besides the words of the text itself: the
-    // qualified source fields ("pqrst002.custno"), sorted, without repeats.
-    void setCompletionWords(const QStringList& words);
+    // Where the words offered on Ctrl+Space come from besides the words of
+    // the text itself: the qualified source fields ("pqrst002.custno"),
+    // sorted, without repeats. Asked only when completion is asked for.
+    void setCompletionSource(std::function<QStringList()> source);
     // Ctrl+Space: completes the word before the cursor with a unique match,
     // or offers the matches in a list.
     void completeWord();
@@ -42,7 +45,7 @@ private:
     QStringList wordsOfTheText(const QString& prefix) const;
     void showCompletionList(const QStringList& words);
 
-    QStringList m_completionWords;
+    std::function<QStringList()> m_completionSource;
     bool m_replacing = false;        // setPlainText is replacing the text
     bool m_lockAfterReplace = false; // the lock to apply once it is in
 

@@ -103,6 +103,23 @@ QString QualifiedFieldName(const QString& tableName, const QString& storedFieldN
     return tableName.toLower() + u'.' + ToDisplayFieldName(storedFieldName).toLower();
 }
 
+namespace {
+// A row with the table's part of the qualified name ("table.") given.
+FieldRow rowWithPrefix(const QString& prefix, const FieldDefinition& field)
+{
+    FieldRow row;
+    row.mandatory = MandatoryMark(field);
+    row.number = FieldNumberText(field);
+    row.name = prefix + ToDisplayFieldName(field.elementName).toLower();
+    row.type = GetFieldTypeText(field, row.length);
+    row.description = field.description;
+    row.alignment = AlignmentWord(field);
+    row.letterCase = CaseWord(field);
+    row.domain = field.domain;
+    return row;
+}
+} // namespace
+
 QString AlignmentWord(const FieldDefinition& field)
 {
     const QString& a = field.alignment;
@@ -127,24 +144,15 @@ QString CaseWord(const FieldDefinition& field)
 
 FieldRow MakeFieldRow(const QString& tableName, const FieldDefinition& field)
 {
-    FieldRow row;
-    row.mandatory = MandatoryMark(field);
-    row.number = FieldNumberText(field);
-    row.name = QualifiedFieldName(tableName, field.elementName);
-    row.type = GetFieldTypeText(field, row.length);
-    row.description = field.description;
-    row.alignment = AlignmentWord(field);
-    row.letterCase = CaseWord(field);
-    row.domain = field.domain;
-    return row;
+    return rowWithPrefix(tableName.toLower() + u'.', field);
 }
 
 QList<FieldRow> FieldRowsOf(const Node& table)
 {
     QList<FieldRow> rows;
-    const QString name = table.name();
+    const QString prefix = table.name().toLower() + u'.';
     for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
-        rows.append(MakeFieldRow(name, FieldDefinition::Read(f)));
+        rows.append(rowWithPrefix(prefix, FieldDefinition::Read(f)));
     return rows;
 }
 

@@ -49,6 +49,7 @@ public:
 
 private:
     friend class MappingDocument;
+    friend struct FieldDefinition;
     explicit Node(pugi::xml_node_struct* node) : m_node(node) {}
     pugi::xml_node_struct* m_node = nullptr;
 };
