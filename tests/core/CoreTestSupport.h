@@ -11,7 +11,6 @@
 #include <QRegularExpression>
 #include <QStringList>
 #include <QTest>
-
 #include <deque>
 
 namespace fbtest {
@@ -31,12 +30,11 @@ inline void failOnAnyWarning()
 //   "question [yes/no] (Title): Sure?"     other buttons and a title are shown
 //   "input: prompt", "focus precondition", "migrate tables changed"
 // Message boxes are answered from `answers`, then with their first button;
-// input boxes from `inputs`, then as cancelled ("").
+// input boxes as cancelled ("").
 class RecordingInteraction : public fb::Interaction {
 public:
     QStringList log;
     std::deque<fb::MsgAnswer> answers;
-    std::deque<QString> inputs;
 
     fb::MsgAnswer MsgBox(const QString& prompt, fb::MsgButtons buttons, fb::MsgIcon icon,
                          const QString& title) override
@@ -44,29 +42,20 @@ public:
         static const char* const icons[] = {"none", "critical", "exclamation", "information", "question"};
         static const char* const buttonSets[] = {"", " [ok/cancel]", " [yes/no]", " [yes/no/cancel]"};
         QString line = QString::fromLatin1(icons[int(icon)]) + QString::fromLatin1(buttonSets[int(buttons)]);
-        if (!title.isEmpty())
-            line += u" ("_s + title + u')';
+        if (!title.isEmpty()) line += u" ("_s + title + u')';
         log.append(line + u": "_s + prompt);
-        return next(answers, fb::FirstButton(buttons));
+        if (answers.empty()) return fb::FirstButton(buttons);
+        const fb::MsgAnswer answer = answers.front();
+        answers.pop_front();
+        return answer;
     }
     QString InputBox(const QString& prompt, const QString&, const QString&) override
     {
         log.append(u"input: "_s + prompt);
-        return next(inputs, QString());
+        return QString();
     }
     void FocusPreconditionEditor() override { log.append(u"focus precondition"_s); }
     void MigrateTablesChanged() override { log.append(u"migrate tables changed"_s); }
-
-private:
-    template <typename T>
-    static T next(std::deque<T>& queue, T fallback)
-    {
-        if (queue.empty())
-            return fallback;
-        T answer = queue.front();
-        queue.pop_front();
-        return answer;
-    }
 };
 
 // The content inside the root element <klmno001>.
@@ -81,7 +70,8 @@ inline QStringList dumpList(fb::MappingDocument& doc)
 {
     QStringList out;
     for (const fb::Node& d : doc.DumpNodes())
-        out.append(d.attribute(u"No"_s) + (d.hasAttribute(u"TXT"_s) ? u'=' + d.attribute(u"TXT"_s) : QString()));
+        out.append(d.attribute(u"No"_s) +
+                   (d.hasAttribute(u"TXT"_s) ? u'=' + d.attribute(u"TXT"_s) : QString()));
     return out;
 }
 
