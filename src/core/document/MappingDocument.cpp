@@ -3,10 +3,12 @@
 #include "FieldNames.h"
 #include "LineBreaks.h"
 #include "TextCodec.h"
+#include "TextFile.h"
 #include "TextRules.h"
 
 
 #include <QLoggingCategory>
+#include <QStringDecoder>
 
 #include <algorithm>
 #include <cstring>
@@ -243,6 +245,31 @@ QByteArray MappingDocument::SerializeUtf8() const
 QString MappingDocument::Serialize() const
 {
     return Utf8Text(SerializeUtf8());
+}
+
+QString MappingDocument::SerializeToFile(const QString& path, bool* written, QString* error) const
+{
+    struct Writer : pugi::xml_writer {
+        TextFileWriter file;
+        // Stateful: a piece may end inside a character.
+        QStringDecoder decoder{QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom};
+        QString text;
+        explicit Writer(const QString& p) : file(p) {}
+        void write(const void* data, size_t size) override
+        {
+            file.write(static_cast<const char*>(data), qsizetype(size));
+            text += decoder.decode(QByteArrayView(static_cast<const char*>(data), qsizetype(size)));
+        }
+    } writer(path);
+    // The text is about as long as the one loaded.
+    writer.text.reserve(d->buffer.size() + d->buffer.size() / 16);
+    d->doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    const bool ok = writer.file.commit();
+    if (written)
+        *written = ok;
+    if (error)
+        *error = writer.file.error();
+    return std::move(writer.text);
 }
 
 bool MappingDocument::IsEmpty() const

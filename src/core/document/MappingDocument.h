@@ -57,6 +57,11 @@ public:
     QString Serialize() const;
     // The same text in UTF-8.
     QByteArray SerializeUtf8() const;
+    // The text, written at the same time, piece by piece, to the file as
+    // WriteTextFile writes it (UTF-8): no whole copy of it in UTF-8 is made.
+    // False in written (and the reason in error) when the file could not be
+    // written; the text is returned all the same.
+    QString SerializeToFile(const QString& path, bool* written, QString* error) const;
     bool IsEmpty() const;
 
     // ---- document table name ----------------------------------------------

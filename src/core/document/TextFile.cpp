@@ -96,20 +96,17 @@ bool WriteTextFile(const QString& path, const QString& text, QString* error)
     return writeBytes(path, text.toLocal8Bit(), error);
 }
 
-bool WriteUtf8File(const QString& path, const QByteArray& utf8, QString* error)
-{
-    static const bool localIsUtf8 = QStringConverter::encodingForName(QStringConverter::nameForEncoding(
-                                        QStringConverter::System)) == QStringConverter::Utf8;
-    return writeBytes(path, localIsUtf8 ? utf8 : Utf8Text(utf8).toLocal8Bit(), error);
-}
-
 bool writeBytes(const QString& path, const QByteArray& bytes, QString* error)
 {
-    const auto fail = [error](const QString& reason) {
-        if (error)
-            *error = reason;
-        return false;
-    };
+    TextFileWriter file(path);
+    const bool written = file.write(bytes.constData(), bytes.size()) && file.commit();
+    if (!written && error)
+        *error = file.error();
+    return written;
+}
+
+TextFileWriter::TextFileWriter(const QString& path) : m_path(path)
+{
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir(folder).exists()) {
         // Asking for the temporary folder may itself create it again (it is
@@ -118,22 +115,47 @@ bool writeBytes(const QString& path, const QByteArray& bytes, QString* error)
         const bool made = QDir(folder).exists() ||
                           (QDir().mkpath(folder) &&
                            (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
-        if (!made)
-            return fail(QStringLiteral("Cannot create the folder ") + folder);
+        if (!made) {
+            fail(QStringLiteral("Cannot create the folder ") + folder);
+            return;
+        }
     }
-
     // A new file of our own beside the target, renamed over it: the rename
     // replaces whatever entry stands at the path (a link included) instead of
     // writing into what it points to.
-    QTemporaryFile file(folder + QStringLiteral("/.fieldbridge-XXXXXX"));
-    if (!file.open())
-        return fail(file.errorString());
-    if (file.write(bytes) != bytes.size() || !file.flush())
-        return fail(file.errorString());
-    file.close();
-    if (::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) != 0)
+    m_file = std::make_unique<QTemporaryFile>(folder + QStringLiteral("/.fieldbridge-XXXXXX"));
+    if (!m_file->open())
+        fail(m_file->errorString());
+}
+
+TextFileWriter::~TextFileWriter() = default;
+
+bool TextFileWriter::fail(const QString& reason)
+{
+    if (m_error.isEmpty())
+        m_error = reason.isEmpty() ? QStringLiteral("Cannot write ") + m_path : reason;
+    return false;
+}
+
+bool TextFileWriter::write(const char* data, qsizetype size)
+{
+    if (!m_error.isEmpty() || !m_file)
+        return false;
+    if (m_file->write(data, size) != size)
+        return fail(m_file->errorString());
+    return true;
+}
+
+bool TextFileWriter::commit()
+{
+    if (!m_error.isEmpty() || !m_file)
+        return false;
+    if (!m_file->flush())
+        return fail(m_file->errorString());
+    m_file->close();
+    if (::rename(QFile::encodeName(m_file->fileName()).constData(), QFile::encodeName(m_path).constData()) != 0)
         return fail(QString::fromLocal8Bit(std::strerror(errno)));
-    file.setAutoRemove(false); // it is the target now
+    m_file->setAutoRemove(false); // it is the target now
     return true;
 }
 

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <memory>
+
+class QTemporaryFile;
+
 // The fixed temporary folder and the whole-file text routines used for the
 // export of the mapping object and the external-editor round trip.
 namespace fb {
@@ -30,9 +34,29 @@ QString TempFilePath(const QString& tableName, const QString& suffix);
 // folder when it is missing. Returns false (with the reason in error, when
 // given) when the file cannot be written.
 bool WriteTextFile(const QString& path, const QString& text, QString* error = nullptr);
-// The same for a text already in UTF-8: written as it is where the locale's
-// encoding is UTF-8.
-bool WriteUtf8File(const QString& path, const QByteArray& utf8, QString* error = nullptr);
+
+// A file written as WriteTextFile writes it, in pieces: the pieces go into
+// a new file of this user's beside the target, and commit() renames it over
+// the target. Nothing is left behind when it is not committed.
+class TextFileWriter {
+public:
+    explicit TextFileWriter(const QString& path);
+    ~TextFileWriter();
+    TextFileWriter(const TextFileWriter&) = delete;
+    TextFileWriter& operator=(const TextFileWriter&) = delete;
+
+    // False (with the reason in error()) once a piece could not be written.
+    bool write(const char* data, qsizetype size);
+    bool commit();
+    QString error() const { return m_error; }
+
+private:
+    bool fail(const QString& reason);
+
+    QString m_path;
+    std::unique_ptr<QTemporaryFile> m_file;
+    QString m_error;
+};
 
 // The whole file; "" for an empty file. A link or a file that cannot be
 // read gives "" with ok false.

@@ -102,12 +102,11 @@ QString MappingSession::MappingObjectXML()
     m_scanner->PruneSections();
     // A property read cannot fail towards the host; a lost export is logged
     // and the document is still handed back.
+    bool written = false;
     QString error;
-    QByteArray utf8 = m_doc.SerializeUtf8();
-    if (!WriteUtf8File(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), utf8, &error))
+    QString text = m_doc.SerializeToFile(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), &written, &error);
+    if (!written)
         qCWarning(lcExport, "the temporary export could not be written: %s", qPrintable(error));
-    const QString text = Utf8Text(utf8);
-    utf8.clear();
     return text;
 }
 
