@@ -6,6 +6,10 @@
 
 #include <array>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace fb {
 
 namespace detail {
@@ -68,9 +72,7 @@ public:
         qsizetype i = 0;
         while (i < m_n) {
             // The common case first: characters of text with no meaning.
-            while (i < m_n && m_t[i] >= 0x20 && m_t[i] < 0xD800 && m_t[i] != u'<' && m_t[i] != u'&' &&
-                   m_t[i] != u']')
-                ++i;
+            i = plainRun(i, u'<', u'&', u']');
             if (i >= m_n)
                 break;
             const char16_t c = m_t[i];
@@ -94,6 +96,32 @@ public:
     }
 
 private:
+    // The first position from i on that holds one of the three characters,
+    // or one that may need a closer look (below a blank, or at or above
+    // U+8000), or the end. Eight characters at a time where the processor can.
+    qsizetype plainRun(qsizetype i, char16_t a, char16_t b, char16_t c) const
+    {
+#if defined(__SSE2__)
+        const __m128i va = _mm_set1_epi16(short(a));
+        const __m128i vb = _mm_set1_epi16(short(b));
+        const __m128i vc = _mm_set1_epi16(short(c));
+        const __m128i blank = _mm_set1_epi16(0x20);
+        while (i + 8 <= m_n) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(m_t + i));
+            // Signed: characters at or above U+8000 count as below a blank.
+            const __m128i hit = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, va), _mm_cmpeq_epi16(v, vb)),
+                                             _mm_or_si128(_mm_cmpeq_epi16(v, vc), _mm_cmplt_epi16(v, blank)));
+            const int mask = _mm_movemask_epi8(hit);
+            if (mask != 0)
+                return i + qsizetype(__builtin_ctz(unsigned(mask)) / 2);
+            i += 8;
+        }
+#endif
+        while (i < m_n && m_t[i] >= 0x20 && m_t[i] < 0x8000 && m_t[i] != a && m_t[i] != b && m_t[i] != c)
+            ++i;
+        return i;
+    }
+
     bool startsWith(qsizetype i, QStringView s) const
     {
         return i + s.size() <= m_n && QStringView(m_t + i, s.size()) == s;
@@ -213,9 +241,7 @@ private:
         for (qsizetype j = from; j < m_n; ++j) {
             if (quote) {
                 // Through the quoted value to what matters in it.
-                while (j < m_n && m_t[j] != quote && m_t[j] != u'<' && m_t[j] != u'&' && m_t[j] >= 0x20 &&
-                       m_t[j] < 0xD800)
-                    ++j;
+                j = plainRun(j, quote, u'<', u'&');
                 if (j >= m_n)
                     return -1;
                 const char16_t q = m_t[j];
