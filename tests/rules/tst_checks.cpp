@@ -152,7 +152,9 @@ private Q_SLOTS:
         fb::MappingDocument doc;
         QVERIFY(load(doc, wrapped(content + kTables)));
         doc.MigrateTables() = QStringList{u"kept"_s};
+        const QString before = doc.Serialize();
         QCOMPARE(messages(fb::CheckSections(doc)), problems);
+        QCOMPARE(doc.Serialize(), before); // looking creates no element
         QCOMPARE(doc.MigrateTables(), QStringList{u"kept"_s}); // the session's lists stay as they were
     }
 

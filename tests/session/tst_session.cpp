@@ -4,10 +4,12 @@
 // log and compared with reference/. update-references.sh writes the logs
 // anew after a deliberate change; read the diff before committing it.
 
+#include "core/session/FieldMarks.h"
 #include "core/session/MappingSession.h"
 
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QMetaEnum>
 #include <QRegularExpression>
 #include <QTest>
@@ -159,6 +161,9 @@ public:
         QObject::connect(s, &MappingSession::focusRequested, [this](MappingSession::Focus f) {
             m_log.append(u"  focus "_s + enumName(f));
         });
+        QObject::connect(s, &MappingSession::stepRecorded, [this](const QString& text) {
+            m_log.append(u"  step \""_s + text + u'"');
+        });
     }
 
     QString run(const QStringList& steps)
@@ -291,6 +296,33 @@ private:
             m_log.append(u"  shortcut %1"_s.arg(s.AltShortcut(rest.at(0), true)));
         } else if (verb == u"leavecontrol") {
             s.ControlLostFocus();
+        } else if (verb == u"undo" || verb == u"redo") {
+            verb == u"undo" ? s.Undo() : s.Redo();
+            m_log.append(u"  next undo \"%1\" redo \"%2\""_s.arg(s.undoText(), s.redoText()));
+        } else if (verb == u"mark") { // mark NAME: what undo or redo must give back exactly
+            m_marks[rest] = s.document().Serialize() + s.rules()->rules().join(u'|');
+        } else if (verb == u"same") {
+            m_log.append(u"  same as %1: %2"_s.arg(rest).arg(m_marks.value(rest) ==
+                                                             s.document().Serialize() + s.rules()->rules().join(u'|')));
+        } else if (verb == u"find") { // find source|target|grid words
+            fb::FieldFilterModel* f = words.value(0) == u"source"_s   ? s.shownSourceFields()
+                                      : words.value(0) == u"target"_s ? s.shownTargetFields()
+                                                                      : s.shownRules();
+            f->setFilterWords(rest.section(u' ', 1));
+            shown(f);
+        } else if (verb == u"unmapped") {
+            s.setUnmappedOnly(rest == u"on"_s);
+            shown(s.shownTargetFields());
+            shown(s.shownRules());
+        } else if (verb == u"coverage") {
+            m_log.append(u"  label \"%1\""_s.arg(s.coverageText()));
+            for (int e = 0; e < s.dumpEntries().size(); ++e)
+                m_log.append(u"  tip %1 \"%2\""_s.arg(e).arg(s.dumpCoverageToolTip(e)));
+        } else if (verb == u"problems") {
+            for (const fb::Problem& p : s.CheckMapping())
+                m_log.append(u"  "_s + fb::ProblemsModel::Line(p));
+        } else if (verb == u"showproblem") {
+            s.ShowProblem(num(rest));
         } else if (verb == u"state") {
             state();
         } else if (verb == u"fields") {
@@ -371,6 +403,21 @@ private:
                          .arg(rules.join(u"; "_s)));
     }
 
+    // The rows a narrowed list shows: their names and marks, and the ticks it hides.
+    void shown(fb::FieldFilterModel* f)
+    {
+        const int nameColumn = f == m_sessionPtr->shownRules() ? 0 : f == m_sessionPtr->shownSourceFields() ? 2 : 3;
+        static const char* const marks[] = {"", " +", " !"};
+        QStringList rows;
+        for (int r = 0; r < f->rowCount(); ++r)
+            rows.append(f->index(r, nameColumn).data().toString() +
+                        QLatin1String(marks[f->index(r, 0).data(fb::kFieldMarkRole).toInt()]));
+        m_log.append(u"  shown %1 of %2: %3%4"_s.arg(f->rowCount())
+                         .arg(f->sourceModel()->rowCount())
+                         .arg(rows.join(u", "_s))
+                         .arg(f->hiddenCheckedCount() ? u" (%1 ticked hidden)"_s.arg(f->hiddenCheckedCount()) : u""_s));
+    }
+
     void fields(fb::FieldListModel* model)
     {
         for (int r = 0; r < model->rowCount(); ++r) {
@@ -382,6 +429,7 @@ private:
     }
 
     QString m_documents;
+    QMap<QString, QString> m_marks;
     QStringList m_log;
     ScriptedUser m_user;
     std::unique_ptr<MappingSession> m_sessionPtr;

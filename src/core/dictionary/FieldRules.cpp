@@ -161,4 +161,13 @@ QString FieldPartOf(const QString& qualifiedName)
     return qualifiedName.mid(9);
 }
 
+QStringList GridNamesOf(const Node& table)
+{
+    QStringList names;
+    const QString tableName = table.name();
+    for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
+        names.append(QualifiedFieldName(tableName, f.name()));
+    return names;
+}
+
 } // namespace fb

@@ -38,6 +38,10 @@ struct FieldRow {
     QString domain;
 };
 FieldRow MakeFieldRow(const QString& tableName, const FieldDefinition& field);
+// The qualified names of a table element's fields, in document order: the
+// rows of the rules grid.
+QStringList GridNamesOf(const Node& table);
+
 // The rows of every field element of a table element, in document order.
 QList<FieldRow> FieldRowsOf(const Node& table);
 

@@ -368,6 +368,14 @@ bool MappingDocument::SetNodeAttribute(const Node& node, const QString& name, co
     return true;
 }
 
+bool MappingDocument::RemoveAttribute(const Node& node, const QString& name)
+{
+    pugi::xml_node n = toPugi(node.m_node);
+    if (n.parent() == d->doc.document_element())
+        d->dropAttributeIndexes();
+    return n.remove_attribute(utf8(name).c_str());
+}
+
 bool MappingDocument::setAttribute(const Node& node, const QString& name, const QString& value)
 {
     if (!node)

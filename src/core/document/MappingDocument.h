@@ -34,6 +34,23 @@ struct DumpReferences {
     bool contains(qint16 n) const { return numbers.contains(n); }
 };
 
+// A child of the root element as it stood at one moment, kept outside the
+// document so that it can be put back (undo and redo). A copy of no element
+// stands for an element that did not exist.
+class SectionCopy {
+public:
+    bool exists() const;
+    // The same content: the same markup once written out.
+    bool operator==(const SectionCopy& other) const { return markup() == other.markup(); }
+    QByteArray markup() const;
+
+private:
+    friend class MappingDocument;
+    struct Data;
+    std::shared_ptr<const Data> d;
+    int position = -1; // among the root's child nodes
+};
+
 // The mapping object: one XML document owned for the control's whole life,
 // the node access layer through which everything reaches it, and one
 // accessor per section so that no other code builds a path.
@@ -81,6 +98,7 @@ public:
                      const QString& attrValue = QString());
     static QString GetNodeAttribute(const Node& node, const QString& name);
     bool SetNodeAttribute(const Node& node, const QString& name, const QString& value);
+    bool RemoveAttribute(const Node& node, const QString& name);
     Node AppendChildElement(const Node& parent, const QString& name, const QString& attrName = QString(),
                             const QString& attrValue = QString());
     static QString UnescapeXmlText(const QString& text);
@@ -98,6 +116,16 @@ public:
 
     Node DocumentElement() const; // the root element, or no node
     Node FirstChild() const;      // the document's first child node, whatever its kind
+
+    // A copy of the element (a child of the root, or no node), and putting
+    // one back in place of the element that stands there now (or none): at
+    // the position it was copied from, or where current stands. An absent
+    // copy removes current. Returns the element put back.
+    SectionCopy CopySection(const Node& element) const;
+    Node RestoreSection(const SectionCopy& copy, const Node& current);
+    // The first child of the root with this name (and attribute value), found
+    // exactly and without recording anything: no node when there is none.
+    Node RootChild(const QString& name, const QString& attrName = QString(), const QString& attrValue = QString()) const;
 
     // ---- section accessors --------------------------------------------------
     QString GetPreconditionText();
@@ -157,6 +185,9 @@ public:
     const DumpReferences& ReferencedDumps() const { return m_dumps; }
     QHash<qint16, QString>& KnownDumps() { return m_knownDumps; }
     bool AddDumpReference(qint16 number, const QString& text);
+    // Whether recording a reference creates the dump's element when it is
+    // missing (it does; a scan that only looks turns it off for a while).
+    void setCreatesReferencedDumps(bool on) { m_createsReferencedDumps = on; }
 
     // The migrate tables: the names that follow "migrate" in the precondition,
     // in order; always at least one slot, a single empty slot meaning none.
@@ -189,6 +220,7 @@ private:
     DumpReferences m_dumps;
     QHash<qint16, QString> m_knownDumps;
     QStringList m_migrateTables{QString()};
+    bool m_createsReferencedDumps = true;
 
     bool rootIsTheTable() const;
     Node appendToFirstChild(const QString& name, const QString& attrName = QString(),

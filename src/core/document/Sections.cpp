@@ -314,7 +314,7 @@ bool MappingDocument::AddDumpReference(qint16 number, const QString& text)
         m_dumps.numbers.append(number);
         m_dumps.texts.append(text);
     }
-    if (!GetDumpNode(number))
+    if (m_createsReferencedDumps && !GetDumpNode(number))
         CreateDumpNode(number, text); // TXT keeps the text seen first
     return true;
 }

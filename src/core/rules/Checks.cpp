@@ -6,6 +6,7 @@
 #include "core/scripts/ScriptScanner.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 namespace fb {
 
@@ -257,8 +258,10 @@ void ScanScripts(MappingDocument& doc)
     SilentInteraction silent;
     ScriptScanner scanner(doc, silent);
     doc.MigrateTables() = QStringList{QString()};
+    doc.setCreatesReferencedDumps(false);
     scanner.ParseMigrateTables(doc.GetPreconditionText());
     scanner.CollectDumpReferences();
+    doc.setCreatesReferencedDumps(true);
 }
 
 QList<Problem> CheckSections(MappingDocument& doc)
@@ -284,19 +287,27 @@ QList<Problem> CheckSections(MappingDocument& doc)
     return out;
 }
 
+QList<qint16> CheckedDumps(MappingDocument& doc)
+{
+    const QuietScan scan(doc);
+    QList<qint16> numbers;
+    QSet<qint16> seen;
+    for (const Node& dump : doc.DumpNodes()) {
+        const auto no = str::ToInteger(dump.attribute("No"));
+        if (no && doc.ReferencedDumps().contains(*no) && !seen.contains(*no)) {
+            seen.insert(*no);
+            numbers.append(*no);
+        }
+    }
+    return numbers;
+}
+
 QList<Problem> CheckMapping(MappingDocument& doc)
 {
     QList<Problem> out = CheckSections(doc);
     const SourceCatalogue sources(doc);
-    const QuietScan scan(doc);
-    QList<qint16> seen;
-    for (const Node& dump : doc.DumpNodes()) {
-        const auto no = str::ToInteger(dump.attribute("No"));
-        if (no && doc.ReferencedDumps().contains(*no) && !seen.contains(*no)) {
-            seen.append(*no);
-            out.append(CheckStoredDump(doc, *no, sources));
-        }
-    }
+    for (const qint16 number : CheckedDumps(doc))
+        out.append(CheckStoredDump(doc, number, sources));
     return out;
 }
 

@@ -73,13 +73,16 @@ QList<Problem> CheckStoredDump(MappingDocument& doc, qint16 dump, const SourceCa
 // Dumps holding rules that no script references, and queries holding text
 // for tables no longer migrated: the document's references as last scanned.
 QList<Problem> CheckSections(MappingDocument& doc);
+// The dumps whose rules the checks look at: those the scripts reference
+// that the document holds, each once, in document order.
+QList<qint16> CheckedDumps(MappingDocument& doc);
 // Every check over the whole document: the sections, then every referenced
 // dump in document order.
 QList<Problem> CheckMapping(MappingDocument& doc);
 
-// Scans the scripts of a document that no session has worked on (the
-// migrate tables and the referenced dumps), quietly: what a headless reader
-// does before checking.
+// Works out the migrate tables and the referenced dumps from the scripts,
+// quietly and without creating any element: what a headless reader does
+// before checking.
 void ScanScripts(MappingDocument& doc);
 
 } // namespace fb

@@ -1,5 +1,7 @@
 #include "FieldListModel.h"
 
+#include "FieldMarks.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -74,9 +76,17 @@ QVariant FieldListModel::data(const QModelIndex& index, int role) const
         if (field == 4 || (field == 1 && m_kind == Kind::Target))
             return int(Qt::AlignRight | Qt::AlignVCenter);
         return int(Qt::AlignLeft | Qt::AlignVCenter);
+    case kFieldMarkRole:
+        return index.column() == 0 && m_mark ? QVariant(m_mark(m_rows[index.row()])) : QVariant();
     default:
         return QVariant();
     }
+}
+
+void FieldListModel::marksChanged()
+{
+    if (!m_rows.isEmpty())
+        Q_EMIT dataChanged(index(0, 0), index(int(m_rows.size()) - 1, 0), {kFieldMarkRole});
 }
 
 bool FieldListModel::setData(const QModelIndex& index, const QVariant& value, int role)

@@ -5,6 +5,8 @@
 #include <QAbstractTableModel>
 #include <QList>
 
+#include <functional>
+
 namespace fb {
 
 // The rows of a field list: the nine cells of each field, behind one empty
@@ -38,6 +40,11 @@ public:
     void setChecked(int row, bool checked);
     void clearChecks();
 
+    // Where the first column's field mark (kFieldMarkRole) comes from, and
+    // telling the views that the marks changed.
+    void setMarkSource(std::function<int(const FieldRow&)> mark) { m_mark = std::move(mark); }
+    void marksChanged();
+
     // Column widths in twips, by column.
     static QList<int> ColumnWidths(Kind kind);
 
@@ -49,6 +56,7 @@ private:
     QList<FieldRow> m_rows;
     QList<bool> m_checked;
     bool m_lastAscending = false;
+    std::function<int(const FieldRow&)> m_mark;
 };
 
 } // namespace fb

@@ -41,6 +41,7 @@ MappingSession::MappingSession(Interaction& ui, QObject* parent)
       m_scanner(std::make_unique<ScriptScanner>(m_doc, *m_hooks))
 {
     m_enabled.fill(true);
+    setUpWorkbench();
 }
 
 MappingSession::~MappingSession() = default;
@@ -91,6 +92,15 @@ void MappingSession::setMappingObjectXML(const QString& text)
 {
     m_doc.LoadXml(text);
     m_sourceFieldsKnown = false;
+    // Nothing of the previous document is undone into this one or checked.
+    clearHistory();
+    m_catalogue.reset();
+    m_checkTimer.stop();
+    m_checkQueue.clear();
+    m_checkedDumps.clear();
+    m_dumpProblems.clear();
+    m_sectionProblems.clear();
+    publishProblems();
 }
 
 QString MappingSession::MappingObjectXML()
@@ -127,6 +137,7 @@ void MappingSession::setSourceTables(const QString& tables)
 {
     m_doc.SetSourceTablesText(tables);
     RefreshSourceTableList();
+    scheduleChecks(true);
 }
 
 QString MappingSession::SourceTables()
@@ -178,6 +189,7 @@ void MappingSession::ShowControl()
     Q_EMIT multiTargetChanged();
     if (m_multiTarget)
         FillTargetTableSelector();
+    scheduleChecks(true);
 }
 
 void MappingSession::EnableEditing()
@@ -250,6 +262,7 @@ void MappingSession::TabChanged(int tab)
         setDumpIndex(keep >= 0 ? keep : 0);
         ShowDump(m_dumpNumbers[m_dumpIndex]);
     }
+    scheduleChecks(true);
 }
 
 // ---- focus and keys ----------------------------------------------------------

@@ -1,16 +1,22 @@
 #pragma once
 
+#include "FieldFilterModel.h"
 #include "FieldListModel.h"
+#include "ProblemsModel.h"
 #include "RulesModel.h"
+#include "core/rules/Coverage.h"
 #include "core/document/Interaction.h"
 #include "core/document/MappingDocument.h"
 #include "core/scripts/ScriptScanner.h"
 
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace fb {
 
@@ -158,6 +164,38 @@ public:
     void clickCmdEditRule();
     void clickCmdFuncBuild();
 
+    // ---- the workbench: finding, coverage, checks --------------------------
+    // What the two field lists and the grid show: the lists above, narrowed
+    // by the find boxes and by "unmapped only".
+    FieldFilterModel* shownSourceFields() { return &m_sourceFilter; }
+    FieldFilterModel* shownTargetFields() { return &m_targetFilter; }
+    FieldFilterModel* shownRules() { return &m_rulesFilter; }
+    void setUnmappedOnly(bool on);
+    bool unmappedOnly() const { return m_unmappedOnly; }
+    // The coverage of the dump the grid holds, and of a selector entry's dump.
+    Coverage coverage() const;
+    QString coverageText() const;
+    QString dumpCoverageToolTip(int entry);
+    // The problems, kept up to date as the user works (checked a little at a
+    // time, never all at once while typing).
+    ProblemsModel* problems() { return &m_problems; }
+    // Finishes any checking still to do; the problems of the whole mapping.
+    QList<Problem> CheckMapping();
+    // Shows the dump and the grid row of a problem (its row in problems()).
+    void ShowProblem(int index);
+
+    // ---- undo and redo ------------------------------------------------------
+    // Every change of the mapping made through the control is one step; the
+    // history survives switching dumps and tabs, and starts afresh with each
+    // new document.
+    bool canUndo() const { return m_historyAt > 0; }
+    bool canRedo() const { return m_historyAt < m_history.size(); }
+    QString undoText() const;
+    QString redoText() const;
+    void Undo();
+    void Redo();
+    static constexpr int kHistoryLimit = 200;
+
     // ---- the behaviour by its own names -----------------------------------
     void StorePrecondition();
     void StoreMainQuery();
@@ -192,8 +230,39 @@ Q_SIGNALS:
     void targetFieldRequested(int row); // select and show the row of the target list
     void overlayChanged();              // opened, closed or its text replaced
     void focusRequested(fb::MappingSession::Focus target);
+    void coverageChanged();
+    // A step was recorded on top of the history (what was undone is gone).
+    void stepRecorded(const QString& text);
+    void historyCleared();
 
 private:
+    class DumpChange;
+    // A dump as it stood: its element and the grid's rules (the grid holds
+    // the rules of the dump being edited until they are stored).
+    struct DumpState {
+        qint16 number = 0;
+        SectionCopy element;
+        QList<QString> grid;
+        bool operator==(const DumpState& o) const
+        {
+            return number == o.number && grid == o.grid && element == o.element;
+        }
+    };
+    // A documentation text (TEXT) of PREC or a QUERY: whether there was one, and which.
+    struct DocTextState {
+        bool present = false;
+        QString text;
+    };
+    // One step of the history: what it changed, before and after.
+    struct Step {
+        enum class Kind { Dump, Section, DocText } kind = Kind::Dump;
+        QString text;
+        DumpState dumpBefore, dumpAfter;
+        QString section, attrValue; // a section (and a QUERY's table) by name
+        SectionCopy sectionBefore, sectionAfter;
+        DocTextState docBefore, docAfter;
+    };
+    enum class DumpAction { Edit, Map, Guess, FunctionBuilder, Copy, Bind, Documentation };
     struct BoxState {
         QString text;
         bool locked = false;
@@ -246,6 +315,25 @@ private:
     void refillSourceFields();
     const QList<FieldRow>& listedSourceFields();
 
+    // the workbench
+    void setUpWorkbench();
+    void rulesChanged();
+    void scheduleChecks(bool everything);
+    void checkSome();
+    void publishProblems();
+    const SourceCatalogue& sourceCatalogue();
+
+    // history
+    DumpState captureDump(qint16 number) const;
+    void record(Step step);
+    void clearHistory();
+    void applyDumpState(const DumpState& state);
+    void apply(const Step& step, bool forward);
+    QString describe(DumpAction action, const DumpState& before, const DumpState& after, const QString& detail) const;
+    void recordSection(const QString& name, const SectionCopy& before, const QString& text);
+    void recordDocText(const QString& section, const QString& attrValue, const Node& before, const QString& text,
+                       const std::function<void()>& change);
+
     MappingDocument m_doc;
     Interaction& m_ui;
     std::unique_ptr<ScannerHooks> m_hooks;
@@ -292,6 +380,26 @@ private:
     int m_gridColumn = -1;
     bool m_overlayOpen = false;
     bool m_syncFieldList = true;
+
+    FieldFilterModel m_sourceFilter{{2, 5}};
+    FieldFilterModel m_targetFilter{{3, 6}};
+    FieldFilterModel m_rulesFilter{{0}};
+    bool m_unmappedOnly = false;
+
+    ProblemsModel m_problems;
+    QList<Problem> m_sectionProblems;
+    QHash<qint16, QList<Problem>> m_dumpProblems;
+    QList<qint16> m_checkQueue; // dumps still to check
+    QList<qint16> m_checkedDumps;
+    bool m_checkSections = false;
+    QTimer m_checkTimer;
+    std::optional<SourceCatalogue> m_catalogue;
+    QString m_catalogueOf; // the SRCTBL text it was built from
+
+    std::vector<Step> m_history;
+    size_t m_historyAt = 0; // steps below are done, from here on undone
+    int m_changeDepth = 0;  // nested DumpChange scopes: only the outermost records
+    bool m_restoring = false;
 };
 
 } // namespace fb

@@ -1,6 +1,8 @@
 #include "RulesModel.h"
 
+#include "FieldMarks.h"
 #include "core/document/LineBreaks.h"
+#include "core/rules/Coverage.h"
 
 namespace fb {
 
@@ -22,6 +24,9 @@ QVariant RulesModel::data(const QModelIndex& index, int role) const
         return text(index.row(), index.column());
     if (role == Qt::ToolTipRole && index.column() == 1)
         return LfText(m_rules[index.row()]);
+    if (role == kFieldMarkRole && index.column() == 0)
+        return int(hasRule(index.row()) ? FieldMark::Mapped
+                   : isMandatory(index.row()) ? FieldMark::MandatoryOpen : FieldMark::None);
     return QVariant();
 }
 
@@ -34,12 +39,29 @@ QVariant RulesModel::headerData(int section, Qt::Orientation orientation, int ro
     return section == 0 ? QStringLiteral("Target Field") : QStringLiteral("Rule");
 }
 
-void RulesModel::setRows(const QStringList& fieldNames)
+void RulesModel::setRows(const QStringList& fieldNames, const QList<bool>& mandatory)
 {
     beginResetModel();
     m_names = fieldNames;
     m_rules = QList<QString>(fieldNames.size(), QStringLiteral(" "));
+    m_mandatory = mandatory;
+    m_rowOf.clear();
+    for (int r = int(m_names.size()) - 1; r >= 0; --r)
+        m_rowOf.insert(m_names[r], r);
     endResetModel();
+}
+
+bool RulesModel::hasRule(int row) const
+{
+    return row >= 0 && row < m_rules.size() && HasRule(m_rules[row]);
+}
+
+void RulesModel::setRules(const QList<QString>& rules)
+{
+    if (rules.size() != m_rules.size() || rules == m_rules)
+        return;
+    m_rules = rules;
+    Q_EMIT dataChanged(index(0, 0), index(int(m_rules.size()) - 1, 1));
 }
 
 QString RulesModel::text(int row, int column) const
@@ -56,8 +78,16 @@ void RulesModel::setText(int row, int column, const QString& text)
     // A rule cell holds its line breaks as CR LF, whatever form they came
     // in (a stored CR LF that the display decoding turned into CR CR LF, a
     // lone CR), so that each break is stored back as exactly one.
-    (column == 0 ? m_names : m_rules)[row] = column == 1 ? CrLfText(text) : text;
-    Q_EMIT dataChanged(index(row, column), index(row, column));
+    if (column == 0) {
+        m_names[row] = text;
+        m_rowOf.clear();
+        for (int r = int(m_names.size()) - 1; r >= 0; --r)
+            m_rowOf.insert(m_names[r], r);
+    } else {
+        m_rules[row] = CrLfText(text);
+    }
+    // The field's mark in the first column follows its rule.
+    Q_EMIT dataChanged(index(row, 0), index(row, column));
 }
 
 void RulesModel::clearRules()
@@ -66,7 +96,7 @@ void RulesModel::clearRules()
         return;
     for (QString& r : m_rules)
         r.clear();
-    Q_EMIT dataChanged(index(0, 1), index(int(m_rules.size()) - 1, 1));
+    Q_EMIT dataChanged(index(0, 0), index(int(m_rules.size()) - 1, 1));
 }
 
 } // namespace fb

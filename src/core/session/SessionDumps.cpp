@@ -2,7 +2,7 @@
 // field lists, and the commands that work on whole dumps (copy, rebind,
 // documentation text).
 
-#include "MappingSession.h"
+#include "DumpChange_p.h"
 
 #include "core/document/LineBreaks.h"
 #include "core/document/TextRules.h"
@@ -310,6 +310,7 @@ void MappingSession::DumpSelectorLostFocus()
 
 void MappingSession::clickCmdCopyDump()
 {
+    DumpChange change(*this, DumpAction::Copy);
     CommitOpenEdit();
     const qint16 target = SelectedDumpNumber();
     const QString answer = m_ui.InputBox(QStringLiteral("Please enter the dump number to be copied from: "),
@@ -323,6 +324,7 @@ void MappingSession::clickCmdCopyDump()
                     QStringLiteral("Copying Dumps"));
         return;
     }
+    change.setDetail(QString::number(*source));
     const Node from = m_doc.GetDumpNode(*source);
     if (!from) {
         m_ui.MsgBox(QStringLiteral("The entered dump number does not exists. "), MsgButtons::Ok,
@@ -368,6 +370,7 @@ void MappingSession::clickCmdCopyDump()
 
 void MappingSession::clickCmdChange()
 {
+    DumpChange change(*this, DumpAction::Bind);
     CommitOpenEdit();
     if (m_dialogOpen)
         return;
@@ -376,6 +379,7 @@ void MappingSession::clickCmdChange()
     const QString chosen = m_ui.ChooseTargetTable(number, m_targetTables, m_targetTables.value(m_targetTableIndex));
     m_dialogOpen = false;
     const QString present = m_targetTableName;
+    change.setDetail(chosen);
     if (present.toUpper() != chosen.toUpper()) {
         if (DumpHasRules(m_doc.GetDumpNode(number))) {
             const QString n = str::SignPadded(number);
@@ -412,6 +416,7 @@ Node MappingSession::CurrentRuleElement(QString* fieldLabel)
 
 void MappingSession::clickCmdDumpText()
 {
+    DumpChange change(*this, DumpAction::Documentation);
     CommitOpenEdit();
     if (selectedDumpText().isEmpty() || !m_doc.GetDumpNode(str::ToInteger(m_tag).value_or(0)))
         return;
@@ -419,6 +424,7 @@ void MappingSession::clickCmdDumpText()
     const Node rule = CurrentRuleElement(&label);
     if (label.isEmpty())
         return;
+    change.setDetail(m_rules.text(m_gridRow, 0));
     if (!rule) {
         m_ui.MsgBox(QStringLiteral("You Can Maintain Text, only to fields having a rule "), MsgButtons::Ok,
                     MsgIcon::Information);

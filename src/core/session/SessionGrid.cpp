@@ -2,7 +2,7 @@
 // overlay box, and the commands that write rules into it (Ma&p, &Guess, the
 // function builder, the external editor).
 
-#include "MappingSession.h"
+#include "DumpChange_p.h"
 
 #include "core/document/LineBreaks.h"
 #include "core/document/TextRules.h"
@@ -13,12 +13,14 @@ namespace fb {
 void MappingSession::LayoutGrid(const Node& table)
 {
     QStringList names;
-    const QString tableName = table.name();
-    for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
-        names.append(QualifiedFieldName(tableName, f.name()));
+    QList<bool> mandatory;
+    for (const TargetField& f : TargetFieldsOf(table)) {
+        names.append(f.name);
+        mandatory.append(f.mandatory());
+    }
     closeOverlay();
     m_syncFieldList = false;
-    m_rules.setRows(names);
+    m_rules.setRows(names, mandatory);
     m_gridRow = m_gridColumn = -1;
     Q_EMIT gridCurrentChanged(false);
     m_syncFieldList = true;
@@ -28,10 +30,7 @@ void MappingSession::LayoutGrid(const Node& table)
 
 int MappingSession::GetRowNumber(const QString& fieldName) const
 {
-    for (int r = 0; r < m_rules.rowCount(); ++r)
-        if (m_rules.text(r, 0) == fieldName)
-            return r;
-    return -1;
+    return m_rules.rowOf(fieldName); // the first row of that name
 }
 
 void MappingSession::SetRuleInGrid(const QString& fieldName, const QString& rule)
@@ -64,6 +63,7 @@ QString MappingSession::FieldMapping() const
 
 void MappingSession::setFieldMapping(const QString& rule)
 {
+    const DumpChange change(*this, DumpAction::FunctionBuilder);
     // The rule goes into the rule cell of the current row: the field-name
     // column is never edited.
     if (m_gridRow >= 0)
@@ -76,6 +76,11 @@ void MappingSession::setFieldMapping(const QString& rule)
 void MappingSession::setGridCurrent(int row, int column)
 {
     const bool valid = row >= 0 && row < m_rules.rowCount() && column >= 0 && column <= 1;
+    if (!m_overlayOpen) {
+        moveGridCurrent(valid ? row : -1, valid ? column : -1);
+        return;
+    }
+    const DumpChange change(*this, DumpAction::Edit); // leaving the cell commits its edit
     moveGridCurrent(valid ? row : -1, valid ? column : -1);
 }
 
@@ -181,6 +186,7 @@ bool MappingSession::GridKeyPress(const QString& text, int key, bool commandModi
 void MappingSession::GridGotFocus()
 {
     if (m_overlayOpen && m_gridRow >= 0) {
+        const DumpChange change(*this, DumpAction::Edit);
         if (m_edit)
             m_rules.setText(m_gridRow, 1, boxText(Box::Overlay));
         closeOverlay();
@@ -212,6 +218,7 @@ void MappingSession::CommitOpenEdit()
 {
     if (!m_overlayOpen)
         return;
+    const DumpChange change(*this, DumpAction::Edit);
     if (m_gridRow >= 0 && m_edit) // a locked overlay holds nothing typed
         m_rules.setText(m_gridRow, 1, boxText(Box::Overlay));
     MoveToNextRow();
@@ -222,6 +229,7 @@ void MappingSession::CommitOpenEdit()
 
 void MappingSession::clickCmdMap()
 {
+    DumpChange change(*this, DumpAction::Map);
     CommitOpenEdit();
     if (m_targetSelected < 0)
         return;
@@ -239,6 +247,7 @@ void MappingSession::clickCmdMap()
 
 void MappingSession::clickCmdGuess()
 {
+    const DumpChange change(*this, DumpAction::Guess);
     CommitOpenEdit();
     if (m_sourceFields.rowCount() == 0 || m_targetFields.rowCount() == 0)
         return;
@@ -275,6 +284,7 @@ void MappingSession::clickCmdFuncBuild()
 
 void MappingSession::clickCmdEditRule()
 {
+    const DumpChange change(*this, DumpAction::Edit);
     CommitOpenEdit();
     enable(Command::CmdEditRule, false);
     QString text = m_rules.text(m_gridRow, 1);

@@ -209,8 +209,11 @@ void MappingSession::clickCmdPreDoc()
     if (!prec)
         return;
     const QString text = MappingDocument::DisplayText(MappingDocument::DocText(prec));
-    if (const auto result = editDocText(QStringLiteral("Precondition Text"), text))
-        m_doc.SetDocText(m_doc.GetPreconditionNode(), *result);
+    if (const auto result = editDocText(QStringLiteral("Precondition Text"), text)) {
+        const Node node = m_doc.GetPreconditionNode();
+        recordDocText(QStringLiteral("PREC"), QString(), node, QStringLiteral("Documentation: precondition"),
+                      [&] { m_doc.SetDocText(node, *result); });
+    }
 }
 
 void MappingSession::clickCmdMQDoc()
@@ -219,8 +222,11 @@ void MappingSession::clickCmdMQDoc()
         return;
     const QString table = m_mainQueryTable;
     const QString text = MappingDocument::DisplayText(MappingDocument::DocText(m_doc.GetQueryNode(table)));
-    if (const auto result = editDocText(QStringLiteral("Text for Migrate:") + m_doc.TableName(), text))
-        m_doc.SetDocText(m_doc.GetQueryNode(table), *result);
+    if (const auto result = editDocText(QStringLiteral("Text for Migrate:") + m_doc.TableName(), text)) {
+        const Node node = m_doc.GetQueryNode(table);
+        recordDocText(QStringLiteral("QUERY"), node.attribute("ST"), node,
+                      QStringLiteral("Documentation: main query of ") + table, [&] { m_doc.SetDocText(node, *result); });
+    }
 }
 
 // ---- functions and variables ------------------------------------------------
@@ -232,13 +238,17 @@ void MappingSession::SwitchScriptView(bool showPrecondition, bool keepEdits)
     if (m_scriptView == ScriptView::Functions) {
         const QString stored = m_doc.GetFunctionsText();
         const QString text = keepEdits ? boxText(Box::Functions) : stored;
+        const SectionCopy before = m_doc.CopySection(m_doc.RootChild(QStringLiteral("FUNCTIONS")));
         if (text != stored || m_doc.HasFunctions())
             m_doc.SetFunctionsText(text);
+        recordSection(QStringLiteral("FUNCTIONS"), before, QStringLiteral("Edit: functions"));
     } else if (m_scriptView == ScriptView::Variables) {
         const QString stored = m_doc.GetVariablesText();
         const QString text = keepEdits ? boxText(Box::Variables) : stored;
+        const SectionCopy before = m_doc.CopySection(m_doc.RootChild(QStringLiteral("VAR")));
         if (text != stored || m_doc.HasVariables())
             m_doc.SetVariablesText(text);
+        recordSection(QStringLiteral("VAR"), before, QStringLiteral("Edit: variables"));
     }
     if (showPrecondition)
         m_scriptView = ScriptView::PreCondition;
