@@ -12,6 +12,7 @@
 #endif
 
 class ctlFieldbridgePrivate;
+class QUndoStack;
 
 // The mapping editor control. A host hands in a mapping object through
 // MappingObjectXML, sets TargetTable to the root element's name, sets Edit,
@@ -64,6 +65,17 @@ public:
                                    const QString& StrKey2);
     Q_INVOKABLE int GetRowNumber(const QString& i_StrFieldName) const;
     Q_INVOKABLE void GridEdit(short KeyAscii);
+
+    // Beyond the host interface. Every change of the mapping made in the
+    // control is a step of this stack, with a text saying what it did; a
+    // host binds its Edit menu to it (createUndoAction, createRedoAction).
+    // It starts afresh with every document assigned.
+    QUndoStack* undoStack() const;
+    // The problems of the whole mapping, one line each ("Error  dump 3
+    // klmno001.code: ..."), as the problems list shows them.
+    Q_INVOKABLE QStringList CheckMapping();
+    // How many of them are errors (the rest are warnings).
+    Q_INVOKABLE int CheckErrorCount();
 
 Q_SIGNALS:
     void ShowSourceTablesPopUp(const QString& i_SourceTables);

@@ -5,10 +5,15 @@
 #include "widgets/MappingObjectView.h"
 #include "widgets/Twips.h"
 #include "widgets/Widgets.h"
+#include "widgets/Workbench.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTabWidget>
+#include <QTextEdit>
+#include <QUndoStack>
 
 using namespace fb;
 
@@ -49,6 +54,7 @@ void ctlFieldbridgePrivate::StartUp()
     connect(&m_session, &MappingSession::ShowFunctionBuilderPopUp, m_q, &ctlFieldbridge::ShowFunctionBuilderPopUp);
     connect(&m_session, &MappingSession::SaveDoneDisabled, m_q, &ctlFieldbridge::SaveDoneDisabled);
     connect(&m_session, &MappingSession::SaveDoneEnabled, m_q, &ctlFieldbridge::SaveDoneEnabled);
+    keepUndoStackInStep();
 
     // The Alt shortcuts are the control's whichever of its parts has the focus.
     for (QWidget* child : m_q->findChildren<QWidget*>())
@@ -134,11 +140,78 @@ void ctlFieldbridgePrivate::focusChanged(QWidget* old, QWidget* now)
         m_session.ControlGotFocus();
 }
 
+namespace {
+
+// A step of the session's history on the host's undo stack: the stack
+// decides what is undone next; the session does it.
+class SessionStep : public QUndoCommand {
+public:
+    SessionStep(MappingSession& session, const QString& text) : QUndoCommand(text), m_session(session) {}
+    void undo() override { m_session.Undo(); }
+    void redo() override
+    {
+        if (m_done) // pushed after the session made the change
+            m_session.Redo();
+        m_done = true;
+    }
+
+private:
+    MappingSession& m_session;
+    bool m_done = false;
+};
+
+// Widgets that keep their own undo and their own Ctrl+Z.
+bool editsText(const QWidget* w)
+{
+    return qobject_cast<const QLineEdit*>(w) || qobject_cast<const QPlainTextEdit*>(w) ||
+           qobject_cast<const QTextEdit*>(w) || (w && w->inherits("QsciScintillaBase"));
+}
+
+} // namespace
+
+void ctlFieldbridgePrivate::keepUndoStackInStep()
+{
+    m_undoStack = new QUndoStack(this);
+    m_undoStack->setUndoLimit(MappingSession::kHistoryLimit);
+    connect(&m_session, &MappingSession::stepRecorded, m_undoStack,
+            [this](const QString& text) { m_undoStack->push(new SessionStep(m_session, text)); });
+    connect(&m_session, &MappingSession::historyCleared, m_undoStack, &QUndoStack::clear);
+}
+
+bool ctlFieldbridgePrivate::controlKey(const QKeyEvent* key, bool act)
+{
+    const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
+    const int k = key->key();
+    const bool undo = mods == Qt::ControlModifier && k == Qt::Key_Z;
+    const bool redo = (mods == (Qt::ControlModifier | Qt::ShiftModifier) && k == Qt::Key_Z) ||
+                      (mods == Qt::ControlModifier && k == Qt::Key_Y);
+    const bool find = mods == Qt::ControlModifier && k == Qt::Key_F;
+    QWidget* focus = QApplication::focusWidget();
+    if ((undo || redo) && !editsText(focus)) {
+        if (act)
+            undo ? m_undoStack->undo() : m_undoStack->redo();
+        return true;
+    }
+    if (find && m_session.currentTab() == 1) {
+        if (act) {
+            QLineEdit* box = m_defineDumps->workbench()->findBoxFor(focus);
+            box->setFocus(Qt::ShortcutFocusReason);
+            box->selectAll();
+        }
+        return true;
+    }
+    return false;
+}
+
 bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
 {
     const QEvent::Type type = event->type();
     if ((type == QEvent::ShortcutOverride || type == QEvent::KeyPress) && watched == QApplication::focusWidget()) {
         auto* key = static_cast<QKeyEvent*>(event);
+        if (controlKey(key, type == QEvent::KeyPress)) {
+            event->accept();
+            return true;
+        }
         const Qt::KeyboardModifiers mods = key->modifiers() & ~Qt::KeypadModifier;
         if (mods == Qt::AltModifier && key->key() >= Qt::Key_A && key->key() <= Qt::Key_Z) {
             const QChar letter(char16_t(key->key()));
@@ -197,6 +270,22 @@ int ctlFieldbridge::GetRowNumber(const QString& i_StrFieldName) const
     return d->m_session.GetRowNumber(i_StrFieldName);
 }
 void ctlFieldbridge::GridEdit(short KeyAscii) { d->m_session.GridEdit(KeyAscii); }
+
+QUndoStack* ctlFieldbridge::undoStack() const { return d->m_undoStack; }
+
+QStringList ctlFieldbridge::CheckMapping()
+{
+    QStringList lines;
+    for (const Problem& p : d->m_session.CheckMapping())
+        lines.append(ProblemsModel::Line(p));
+    return lines;
+}
+
+int ctlFieldbridge::CheckErrorCount()
+{
+    d->m_session.CheckMapping();
+    return d->m_session.problems()->errorCount();
+}
 
 void ctlFieldbridge::resizeEvent(QResizeEvent* event)
 {

@@ -5,7 +5,10 @@
 
 #include <QObject>
 
+class QKeyEvent;
+
 class QTabWidget;
+class QUndoStack;
 class ctlFieldbridge;
 
 namespace fb {
@@ -33,10 +36,14 @@ public:
     QTabWidget* m_mainTab = nullptr;
     fb::MappingObjectView* m_mappingObject = nullptr;
     fb::DefineDumpsView* m_defineDumps = nullptr;
+    QUndoStack* m_undoStack = nullptr;
 
 private:
     void showTabs();
     void focusChanged(QWidget* old, QWidget* now);
     void moveFocus(fb::MappingSession::Focus target);
+    void keepUndoStackInStep();
+    // The control's own keys (undo, redo, find); true when the key was one.
+    bool controlKey(const QKeyEvent* key, bool act);
     bool m_showingTabs = false;
 };

@@ -2,12 +2,16 @@
 
 #include "BoxText.h"
 #include "Twips.h"
+#include "Workbench.h"
 #include "Widgets.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListView>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
@@ -38,10 +42,10 @@ QLabel* makeLabel(QWidget* parent, const QString& name, const QString& caption, 
     return l;
 }
 
-QTreeView* makeFieldList(QWidget* parent, const QString& name, FieldListModel* model)
+QTreeView* makeFieldList(QWidget* parent, const QString& name, FieldFilterModel* shown, FieldListModel* model)
 {
     auto* view = MakeChild<QTreeView>(parent, name);
-    view->setModel(model);
+    view->setModel(shown);
     view->setRootIsDecorated(false);
     view->setItemsExpandable(false);
     view->setUniformRowHeights(true);
@@ -75,9 +79,11 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_cmdChange = makeButton(this, QStringLiteral("CmdChange"), QStringLiteral("Cha&nge..."), 1095);
 
     m_lblSourceFields = makeLabel(this, QStringLiteral("lblSourceFields"), QStringLiteral("Source Fields"), 2000);
-    m_lstSourceFields = makeFieldList(this, QStringLiteral("lstSourceFields"), session.sourceFields());
+    m_lstSourceFields =
+        makeFieldList(this, QStringLiteral("lstSourceFields"), session.shownSourceFields(), session.sourceFields());
     m_lblTargetFields = makeLabel(this, QStringLiteral("lblTargetFields"), QStringLiteral("Target Fields"), 2000);
-    m_lstTargetFields = makeFieldList(this, QStringLiteral("lstTargetFields"), session.targetFields());
+    m_lstTargetFields =
+        makeFieldList(this, QStringLiteral("lstTargetFields"), session.shownTargetFields(), session.targetFields());
 
     m_cmdMap = makeButton(this, QStringLiteral("CmdMap"), QStringLiteral("Ma&p"), 975);
     m_cmdGuess = makeButton(this, QStringLiteral("CmdGuess"), QStringLiteral("&Guess"), 975);
@@ -89,7 +95,7 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_details = MakeChild<QGroupBox>(this, QStringLiteral("Details"));
     m_details->setTitle(QStringLiteral("F&ields of Dump: "));
     m_rulesGrid = MakeChild<QTableView>(m_details, QStringLiteral("RulesGrid"));
-    m_rulesGrid->setModel(session.rules());
+    m_rulesGrid->setModel(session.shownRules());
     m_rulesGrid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_rulesGrid->setSelectionMode(QAbstractItemView::SingleSelection);
     m_rulesGrid->setSelectionBehavior(QAbstractItemView::SelectItems);
@@ -106,6 +112,7 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_txtgrdline->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_txtgrdline->hide();
     m_details->setFocusProxy(nullptr);
+    m_workbench = new Workbench(session, this, {m_lstSourceFields, m_lstTargetFields, m_rulesGrid, m_cmbDump});
     connectSession();
 }
 
@@ -135,10 +142,18 @@ void DefineDumpsView::LayoutChildren()
     const int listsTop = labelsTop + rowH;
     const int below = h - listsTop - py(kMargin);
     const int listH = below * 45 / 100 - rowH - py(kGap);
-    Place(m_lblSourceFields, margin, labelsTop, half, rowH);
-    Place(m_lstSourceFields, margin, listsTop, half, listH);
-    Place(m_lblTargetFields, margin + half + gap, labelsTop, half, rowH);
-    Place(m_lstTargetFields, margin + half + gap, listsTop, half, listH);
+    // Each list's caption, and its find box beside it, above the list.
+    const int captionW = m_lblSourceFields->sizeHint().width() + small;
+    for (const auto& [label, find, list, left] :
+         {std::tuple{m_lblSourceFields, m_workbench->findSource(), m_lstSourceFields, margin},
+          std::tuple{m_lblTargetFields, m_workbench->findTarget(), m_lstTargetFields, margin + half + gap}}) {
+        Place(label, left, labelsTop, captionW, rowH);
+        Place(find, left + captionW, labelsTop, std::min(half - captionW, px(4200)), rowH - py(30));
+        Place(list, left, listsTop, half, listH);
+    }
+    QLabel* hidden = m_workbench->sourceHidden();
+    const int findRight = m_workbench->findSource()->geometry().right() + small;
+    Place(hidden, findRight, labelsTop, std::max(margin + half - findRight, 0), rowH);
 
     // Commands between the lists and the grid.
     const int commandsTop = listsTop + std::max(listH, 0) + py(kSmallGap) * 2;
@@ -147,10 +162,18 @@ void DefineDumpsView::LayoutChildren()
         Place(b, x, commandsTop, b->width(), rowH);
         x += b->width() + small;
     }
+    QWidget* unmapped = m_workbench->unmappedOnly();
+    Place(unmapped, x + gap, commandsTop, unmapped->sizeHint().width(), rowH);
+    const int coverageLeft = unmapped->geometry().right() + gap;
+    Place(m_workbench->coverage(), coverageLeft, commandsTop, std::max(w - margin - coverageLeft, 0), rowH);
 
-    // The grid's frame below, from left 120 to the frame's right margin.
+    // The grid's frame below, from left 120 to the frame's right margin, and
+    // the problems under it.
     const int detailsTop = commandsTop + rowH + py(kGap) / 2;
-    Place(m_details, margin, detailsTop, w - 2 * margin, h - detailsTop - py(kMargin));
+    const int problemsH = std::max((h - detailsTop) / 5, rowH * 2);
+    const int detailsH = h - detailsTop - py(kMargin) - problemsH - small;
+    Place(m_details, margin, detailsTop, w - 2 * margin, detailsH);
+    Place(m_workbench->problems(), margin, detailsTop + std::max(detailsH, 0) + small, w - 2 * margin, problemsH);
     const int inner = px(kMargin);
     const int titleH = m_details->fontMetrics().height() + py(60);
     Place(m_rulesGrid, inner, titleH, m_details->width() - 2 * inner, m_details->height() - titleH - inner);
@@ -210,9 +233,19 @@ void DefineDumpsView::showTargetTables()
     m_showing = false;
 }
 
+QModelIndex DefineDumpsView::shownGridIndex(int row, int column) const
+{
+    return m_session.shownRules()->mapFromSource(m_session.rules()->index(row, column));
+}
+
+int DefineDumpsView::targetRowOf(const QModelIndex& shown) const
+{
+    return m_session.shownTargetFields()->mapToSource(shown).row();
+}
+
 void DefineDumpsView::showGridCurrent(bool scrollToTopIfHidden)
 {
-    const QModelIndex index = m_session.rules()->index(m_session.gridRow(), m_session.gridColumn());
+    const QModelIndex index = shownGridIndex(m_session.gridRow(), m_session.gridColumn());
     if (index == m_rulesGrid->currentIndex())
         return;
     // Whether the row was in sight before the grid scrolls to it on its own.
@@ -234,7 +267,7 @@ void DefineDumpsView::showOverlay()
         return;
     }
     // Over the current cell, with its font, 70 twips narrower than it.
-    const QModelIndex current = m_session.rules()->index(m_session.gridRow(), m_session.gridColumn());
+    const QModelIndex current = shownGridIndex(m_session.gridRow(), m_session.gridColumn());
     const QRect cellRect = m_rulesGrid->visualRect(current);
     const QPoint topLeft = m_rulesGrid->viewport()->mapTo(m_details, cellRect.topLeft());
     m_txtgrdline->setFont(m_rulesGrid->font());
@@ -271,7 +304,13 @@ void DefineDumpsView::connectSession()
     connect(s, &MappingSession::gridCurrentChanged, this, &DefineDumpsView::showGridCurrent);
     connect(s, &MappingSession::gridScrollToTop, m_rulesGrid, &QTableView::scrollToTop);
     connect(s, &MappingSession::targetFieldRequested, this, [this](int row) {
-        const QModelIndex index = m_session.targetFields()->index(row, 0);
+        const QModelIndex index = m_session.shownTargetFields()->mapFromSource(m_session.targetFields()->index(row, 0));
+        if (!index.isValid()) { // the find hides it: the session keeps it selected all the same
+            m_showing = true;
+            m_lstTargetFields->clearSelection();
+            m_showing = false;
+            return;
+        }
         m_lstTargetFields->scrollTo(index);
         m_lstTargetFields->setCurrentIndex(index);
     });
@@ -301,22 +340,28 @@ void DefineDumpsView::connectSession()
         if (!m_showing)
             m_session.setTargetTableIndex(i);
     });
-    connect(m_lstTargetFields, &QTreeView::clicked, s, [s](const QModelIndex& i) { s->TargetFieldClicked(i.row()); });
+    connect(m_lstTargetFields, &QTreeView::clicked, this,
+            [this](const QModelIndex& i) { m_session.TargetFieldClicked(targetRowOf(i)); });
     connect(m_lstTargetFields->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (m_showing)
+            return;
         const QModelIndex current = m_lstTargetFields->currentIndex();
         const bool selected =
             current.isValid() && m_lstTargetFields->selectionModel()->isRowSelected(current.row(), QModelIndex());
-        m_session.setTargetFieldSelected(selected ? current.row() : -1);
+        m_session.setTargetFieldSelected(selected ? targetRowOf(current) : -1);
     });
     connect(m_rulesGrid, &QTableView::doubleClicked, s, &MappingSession::GridDoubleClicked);
     connect(m_rulesGrid->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
-                if (!m_showing)
-                    m_session.setGridCurrent(current.row(), current.column());
+                if (!m_showing) {
+                    const QModelIndex cell = m_session.shownRules()->mapToSource(current);
+                    m_session.setGridCurrent(cell.row(), cell.column());
+                }
             });
-    for (QTreeView* list : {m_lstSourceFields, m_lstTargetFields}) {
-        connect(list->header(), &QHeaderView::sectionClicked, list, [list](int column) {
-            static_cast<FieldListModel*>(list->model())->sortByHeaderClick(column);
+    for (FieldFilterModel* shown : {s->shownSourceFields(), s->shownTargetFields()}) {
+        QTreeView* list = shown == s->shownSourceFields() ? m_lstSourceFields : m_lstTargetFields;
+        connect(list->header(), &QHeaderView::sectionClicked, shown, [shown](int column) {
+            static_cast<FieldListModel*>(shown->sourceModel())->sortByHeaderClick(column);
         });
     }
     // A grid of new rows is laid out at once, so that it can be scrolled to

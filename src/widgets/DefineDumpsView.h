@@ -13,6 +13,8 @@ class QTreeView;
 
 namespace fb {
 
+class Workbench;
+
 // The frame of the "Define Dumps" tab: dump selector, target table, the two
 // field lists, the rules grid with its overlay box, and the commands. It
 // shows the session's state and hands what the user does to the session.
@@ -40,6 +42,10 @@ private:
     void showGridCurrent(bool scrollToTopIfHidden);
     void showOverlay();
     QPushButton* buttonOf(MappingSession::Command command) const;
+    // Rows of the lists as the views show them (narrowed) and as the session
+    // counts them.
+    QModelIndex shownGridIndex(int row, int column) const;
+    int targetRowOf(const QModelIndex& shown) const;
 
     MappingSession& m_session;
     bool m_showing = false; // putting the session's state on the widgets
@@ -63,6 +69,10 @@ private:
     QGroupBox* m_details;
     QTableView* m_rulesGrid;
     QPlainTextEdit* m_txtgrdline;
+    Workbench* m_workbench;
+
+public:
+    Workbench* workbench() const { return m_workbench; }
 };
 
 } // namespace fb

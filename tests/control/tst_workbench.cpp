@@ -1,0 +1,149 @@
+// The workbench on the "Define Dumps" page, as a person uses it: find boxes
+// narrowing the lists while every described command still sees every row,
+// "unmapped only", the coverage label, the problems list leading to the
+// rule, and undo and redo from the keyboard and from the host's stack.
+
+#include "WidgetHarness.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QUndoStack>
+
+using namespace fbtest;
+
+class WorkbenchTest : public HostTest {
+    Q_OBJECT
+
+    bool openRules(const QString& dumps = rulesDumps())
+    {
+        if (!host->open(u"rules001"_s, rulesDocument(dumps)))
+            return false;
+        host->clickTab(1);
+        return host->rules() == firstDumpRules() || dumps != rulesDumps();
+    }
+    QLineEdit* box(const QString& name) const { return host->find<QLineEdit>(name); }
+    // Typing over a grid cell: the first key opens the overlay, which takes
+    // the rest; a click on another cell commits it.
+    void typeRule(int row, const QString& text, int thenRow)
+    {
+        clickCell(host->grid(), row, 1);
+        QTest::keyClicks(host->grid(), text.left(1));
+        typeText(host->overlay(), text.mid(1));
+        clickCell(host->grid(), thenRow, 1);
+    }
+
+private Q_SLOTS:
+    void findNarrowsAndEscapeClears()
+    {
+        QVERIFY(openRules());
+        clickCheckBox(host->sourceFields(), 7); // srcbb002.custno
+        host->clickInto(u"txtFindSource"_s);
+        typeText(box(u"txtFindSource"_s), u"SRCAA001 n"_s);
+        QCOMPARE(host->rows(u"lstSourceFields"_s, 2),
+                 (QStringList{u"srcaa001.custno"_s, u"srcaa001.name"_s, u"srcaa001.born"_s, u"srcaa001.note(2)"_s}));
+        QVERIFY(host->find<QLabel>(u"lblSourceHidden"_s)->isVisible());
+        QCOMPARE(host->find<QLabel>(u"lblSourceHidden"_s)->text(), u"1 ticked field hidden by the find"_s);
+        // The hidden tick still counts for Ma&p, and the list still answers
+        // by its own rows.
+        clickCell(host->targetFields(), 1, 3);
+        host->click(u"CmdMap"_s);
+        QCOMPARE(host->rule(1), u"srcbb002.custno"_s);
+        QCOMPARE(host->ctl->GetListItemNumber(u"rules001.zip"_s), 10);
+        QTest::keyClick(box(u"txtFindSource"_s), Qt::Key_Escape);
+        QCOMPARE(box(u"txtFindSource"_s)->text(), QString());
+        QCOMPARE(host->sourceFields()->model()->rowCount(), 11);
+    }
+
+    void ctrlFGoesToTheListsFindBox_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("box");
+        QTest::newRow("source list") << u"lstSourceFields"_s << u"txtFindSource"_s;
+        QTest::newRow("grid") << u"RulesGrid"_s << u"txtFindTarget"_s;
+        QTest::newRow("target list") << u"lstTargetFields"_s << u"txtFindTarget"_s;
+    }
+    void ctrlFGoesToTheListsFindBox()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, box);
+        QVERIFY(openRules());
+        host->find(from)->setFocus();
+        QVERIFY(keyToFocus(Qt::Key_F, Qt::ControlModifier));
+        QVERIFY(host->focusIn(box));
+    }
+
+    void unmappedOnlyAndCoverage()
+    {
+        QVERIFY(openRules());
+        auto* coverage = host->find<QLabel>(u"lblCoverage"_s);
+        QCOMPARE(coverage->text(), u"Dump 1: 3 of 10 fields have a rule"_s);
+        QTest::mouseClick(host->find<QCheckBox>(u"chkUnmappedOnly"_s), Qt::LeftButton);
+        QCOMPARE(host->grid()->model()->rowCount(), 7);
+        QCOMPARE(host->targetFields()->model()->rowCount(), 7);
+        // A rule typed into a shown row: the coverage follows, and the row
+        // leaves the list once the user has moved on.
+        typeRule(0, u"srcaa001.name"_s, 3);
+        QCOMPARE(coverage->text(), u"Dump 1: 4 of 10 fields have a rule"_s);
+        QCOMPARE(host->grid()->model()->rowCount(), 6);
+    }
+
+    void undoAndRedoByKeys()
+    {
+        QVERIFY(openRules());
+        const QStringList before = host->rules();
+        typeRule(1, u"srcaa001.name"_s, 3);
+        QCOMPARE(host->rule(1), u"srcaa001.name"_s);
+        QCOMPARE(host->ctl->undoStack()->undoText(), u"Edit: rules001.name in dump 1"_s);
+        // In a text box Ctrl+Z is the box's own.
+        host->clickInto(u"txtFindTarget"_s);
+        QTest::keyClick(box(u"txtFindTarget"_s), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(host->rule(1), u"srcaa001.name"_s);
+        host->grid()->setFocus();
+        QVERIFY(keyToFocus(Qt::Key_Z, Qt::ControlModifier));
+        QCOMPARE(host->rules(), before);
+        QVERIFY(keyToFocus(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier));
+        QCOMPARE(host->rule(1), u"srcaa001.name"_s);
+        QVERIFY(keyToFocus(Qt::Key_Z, Qt::ControlModifier));
+        QVERIFY(keyToFocus(Qt::Key_Y, Qt::ControlModifier));
+        QCOMPARE(host->rule(1), u"srcaa001.name"_s);
+    }
+
+    void guessUndoneFromTheHostsStack()
+    {
+        QVERIFY(openRules());
+        const QString before = host->xml();
+        host->modals.expect(ModalAnswerer::press(QMessageBox::Yes));
+        host->click(u"CmdGuess"_s);
+        QUndoStack* stack = host->ctl->undoStack();
+        QVERIFY2(stack->undoText().startsWith(u"Guess: "_s) && stack->undoText().endsWith(u" rules in dump 1"_s),
+                 qPrintable(stack->undoText()));
+        stack->undo();
+        QCOMPARE(host->rules(), firstDumpRules());
+        QCOMPARE(host->xml(), before);
+        // A new document starts a new history.
+        host->load(u"rules001"_s, rulesDocument());
+        QVERIFY(!stack->canUndo() && !stack->canRedo());
+    }
+
+    void problemLeadsToItsRule()
+    {
+        const QString dumps = uR"(<DUMP No="1" TXT="First"><NAME No="2" TYPE="0">srcxx001.name</NAME></DUMP>)"_s;
+        QVERIFY(openRules(dumps));
+        const QStringList problems = host->ctl->CheckMapping();
+        QVERIFY2(problems.contains(
+                     u"Error  dump 1  rules001.name: srcxx001 is not a listed source table (srcxx001.name)"_s),
+                 qPrintable(problems.join(u'\n')));
+        QCOMPARE(host->ctl->CheckErrorCount(), 1);
+        auto* list = host->find<QListView>(u"lstProblems"_s);
+        const int row = int(problems.indexOf(QRegularExpression(u"^Error.*"_s)));
+        clickCell(list, row);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(row, 0)).center());
+        QCOMPARE(host->grid()->currentIndex().row(), 1);
+        QVERIFY(host->focusIn(u"RulesGrid"_s));
+    }
+};
+
+QTEST_MAIN(WorkbenchTest)
+#include "tst_workbench.moc"
