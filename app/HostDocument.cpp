@@ -1,5 +1,8 @@
 #include "HostDocument.h"
 
+#include "core/document/MappingDocument.h"
+#include "core/document/TextFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -128,12 +131,33 @@ bool HostDocument::take(const QByteArray& bytes, const QString& path, const QStr
 
 bool HostDocument::save(const QString& controlText, const QString& path, QString* error)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(controlText.toUtf8()) < 0 || !file.commit()) {
+    const auto fail = [&](const QString& file, const QString& why) {
         if (error)
-            *error = tr("Cannot write %1:\n%2").arg(QDir::toNativeSeparators(path), file.errorString());
+            *error = tr("Cannot write %1:\n%2").arg(QDir::toNativeSeparators(file), why);
         return false;
+    };
+    if (!QFileInfo(path).absoluteDir().exists())
+        return fail(path, tr("The folder does not exist."));
+    // The previous content goes to the backup first: written anew (a link
+    // planted under the backup's name is replaced, never followed).
+    QFile previous(path);
+    if (previous.exists() && QFileInfo(path).isFile()) {
+        if (!previous.open(QIODevice::ReadOnly))
+            return fail(path, previous.errorString());
+        fb::TextFileWriter backup(backupPath(path));
+        const QByteArray bytes = previous.readAll();
+        backup.write(bytes.constData(), bytes.size());
+        if (!backup.commit())
+            return fail(backupPath(path), backup.error());
     }
+    fb::MappingDocument indented;
+    indented.LoadXml(controlText);
+    const QString text = indented.IsEmpty() ? controlText : indented.SerializeIndented();
+    const QByteArray bytes = text.toUtf8();
+    fb::TextFileWriter file(path);
+    file.write(bytes.constData(), bytes.size());
+    if (!file.commit())
+        return fail(path, file.error());
     const QFileInfo info(path);
     m_path = info.absoluteFilePath();
     m_displayName = info.fileName();

@@ -50,13 +50,16 @@ public:
     // What Revert goes back to: the document as loaded or last saved.
     const QString& cleanText() const { return m_baseline; }
 
-    // Replaces the whole file with the control's text in one step; then the
-    // file is the document's, the text its baseline, and the file heads the
-    // recent files. On failure nothing changes and *error says why.
+    // Replaces the whole file with the control's text, indented for review
+    // and diffs, in one step, after keeping the file's previous content as
+    // PATH.bak; then the file is the document's, the text its baseline, and
+    // the file heads the recent files. On failure nothing changes and *error
+    // says why.
     bool save(const QString& controlText, const QString& path, QString* error);
 
     // The files last opened or saved, newest first, kept in the settings.
     QStringList recentFiles() const;
+    static QString backupPath(const QString& path) { return path + QStringLiteral(".bak"); }
     void forgetRecentFile(const QString& path);
     void clearRecentFiles();
 

@@ -20,7 +20,11 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTextStream>
+#include <QLineEdit>
+#include <QTabWidget>
 #include <QTimer>
+#include <QUndoGroup>
+#include <QUndoStack>
 
 #include <limits>
 
@@ -100,6 +104,8 @@ void HostWindow::createActions()
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QKeySequence::Quit);
 
+    createEditMenu();
+
     QMenu* viewMenu = menuBar()->addMenu(tr("&View"));
     m_editModeAction = viewMenu->addAction(tr("&Edit Mode"));
     m_editModeAction->setObjectName(QStringLiteral("actionEditMode"));
@@ -119,6 +125,42 @@ void HostWindow::createActions()
                               "source tables, precondition, main queries, functions and the rules of every "
                               "dump.</p>"));
     });
+}
+
+void HostWindow::createEditMenu()
+{
+    // Undo and redo follow whichever control is open: each brings its own
+    // stack, the group hands the actions to the active one.
+    m_undoGroup = new QUndoGroup(this);
+    QMenu* editMenu = menuBar()->addMenu(tr("&Edit"));
+    QAction* undo = m_undoGroup->createUndoAction(this, tr("&Undo"));
+    undo->setObjectName(QStringLiteral("actionUndo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* redo = m_undoGroup->createRedoAction(this, tr("&Redo"));
+    redo->setObjectName(QStringLiteral("actionRedo"));
+    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
+    editMenu->addAction(undo);
+    editMenu->addAction(redo);
+    editMenu->addSeparator();
+    QAction* find = editMenu->addAction(tr("&Find Field"), this, &HostWindow::findField);
+    find->setObjectName(QStringLiteral("actionFind"));
+    find->setShortcut(QKeySequence::Find);
+    // A step undone or redone changes the document like an edit does.
+    connect(m_undoGroup, &QUndoGroup::indexChanged, this, &HostWindow::noteChange);
+}
+
+void HostWindow::findField()
+{
+    if (!m_control)
+        return;
+    auto* tabs = m_control->findChild<QTabWidget*>(QStringLiteral("MainTab"));
+    if (tabs && tabs->currentIndex() != 1 && tabs->isTabEnabled(1))
+        tabs->setCurrentIndex(1);
+    auto* box = m_control->findChild<QLineEdit*>(QStringLiteral("txtFindTarget"));
+    if (box && tabs && tabs->currentIndex() == 1) {
+        box->setFocus(Qt::ShortcutFocusReason);
+        box->selectAll();
+    }
 }
 
 void HostWindow::reportProblem(const QString& title, const QString& text)
@@ -163,7 +205,10 @@ void HostWindow::showDocument(const QString& text)
 {
     createControl(text, m_editMode);
     // The baseline for "unsaved": the document as the control hands it back
-    // right after loading, before the user touched anything.
+    // right after loading, before the user touched anything. That first read
+    // already tidies away work no script references; the file keeps it until
+    // the next save, which says so.
+    m_removedAtLoad = m_control->PendingRemovals();
     m_document.setBaseline(m_control->MappingObjectXML());
     m_changed = false;
     const QString rootName = m_document.catalogue().rootName;
@@ -231,6 +276,8 @@ void HostWindow::createControl(const QString& text, bool edit)
     }
 
     m_control = control;
+    m_undoGroup->addStack(control->undoStack());
+    m_undoGroup->setActiveStack(control->undoStack());
     m_saveLocked = false;
     m_editMode = edit;
     setCentralWidget(control);
@@ -299,15 +346,32 @@ bool HostWindow::saveAs()
     return saveTo(path);
 }
 
+bool HostWindow::confirmRemovals()
+{
+    const QStringList removals = m_removedAtLoad + m_control->PendingRemovals();
+    if (removals.isEmpty())
+        return true;
+    if (m_unattended)
+        return false;
+    QMessageBox box(QMessageBox::Warning, tr("Save Mapping Object"),
+                    tr("Saving removes work that no script references any more:"), QMessageBox::Save | QMessageBox::Cancel,
+                    this);
+    box.setObjectName(QStringLiteral("ConfirmRemovalsBox"));
+    box.setInformativeText(QStringLiteral("\u2022 ") + removals.join(QStringLiteral("\n\u2022 ")));
+    box.setDefaultButton(QMessageBox::Cancel);
+    return box.exec() == QMessageBox::Save;
+}
+
 bool HostWindow::saveTo(const QString& path)
 {
-    if (!m_control || m_saveLocked)
+    if (!m_control || m_saveLocked || !confirmRemovals())
         return false;
     QString error;
     if (!m_document.save(m_control->MappingObjectXML(), path, &error)) {
         QMessageBox::critical(this, tr("Save Mapping Object"), error);
         return false;
     }
+    m_removedAtLoad.clear();
     m_changed = false;
     rebuildRecentMenu();
     statusBar()->showMessage(tr("Saved %1").arg(QDir::toNativeSeparators(m_document.path())), 5000);

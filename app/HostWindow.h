@@ -6,6 +6,8 @@
 #include <ctlFieldbridge.h>
 
 #include <QMainWindow>
+
+class QUndoGroup;
 #include <QPointer>
 
 class QAction;
@@ -59,6 +61,10 @@ protected:
 
 private:
     void createActions();
+    void createEditMenu();
+    void findField();
+    // Lists what a save would remove with content and asks; true to go on.
+    bool confirmRemovals();
     void reportProblem(const QString& title, const QString& text);
     void showDocument(const QString& text);
     void createControl(const QString& text, bool edit);
@@ -89,6 +95,10 @@ private:
     QAction* m_saveAsAction = nullptr;
     QAction* m_revertAction = nullptr;
     QAction* m_editModeAction = nullptr;
+    QUndoGroup* m_undoGroup = nullptr;
+    // Work the control removed when the document was first read (no script
+    // references it); the file still holds it until the next save.
+    QStringList m_removedAtLoad;
     QMenu* m_recentMenu = nullptr;
     QLabel* m_modeLabel = nullptr;
 };

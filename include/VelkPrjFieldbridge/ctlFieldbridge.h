@@ -76,6 +76,10 @@ public:
     Q_INVOKABLE QStringList CheckMapping();
     // How many of them are errors (the rest are warnings).
     Q_INVOKABLE int CheckErrorCount();
+    // What the next read of MappingObjectXML will remove with content (dumps
+    // holding rules that no script references, main queries with text for
+    // tables no longer migrated), one line each; asking removes nothing.
+    Q_INVOKABLE QStringList PendingRemovals();
 
 Q_SIGNALS:
     void ShowSourceTablesPopUp(const QString& i_SourceTables);

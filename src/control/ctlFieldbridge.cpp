@@ -281,6 +281,14 @@ QStringList ctlFieldbridge::CheckMapping()
     return lines;
 }
 
+QStringList ctlFieldbridge::PendingRemovals()
+{
+    QStringList lines;
+    for (const Problem& p : d->m_session.PendingRemovals())
+        lines.append(p.message);
+    return lines;
+}
+
 int ctlFieldbridge::CheckErrorCount()
 {
     d->m_session.CheckMapping();

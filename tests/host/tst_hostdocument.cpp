@@ -161,9 +161,14 @@ private Q_SLOTS:
         QCOMPARE(m_document.cleanText(), saved ? u"<abcde001><PREC/></abcde001>"_s : u"<abcde001/>"_s);
         QCOMPARE(m_document.path(), saved ? path : (sample ? QString() : original));
         QCOMPARE(m_document.displayName(), saved ? QFileInfo(path).fileName() : name);
+        // Written indented for review; a file replaced keeps its old content
+        // beside it.
         QFile file(path);
         QCOMPARE(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray(),
-                 saved ? "<abcde001><PREC/></abcde001>"_ba : QByteArray());
+                 saved ? "<abcde001>\n  <PREC />\n</abcde001>\n"_ba : QByteArray());
+        QFile backup(HostDocument::backupPath(path));
+        QCOMPARE(backup.open(QIODevice::ReadOnly) ? backup.readAll() : QByteArray(),
+                 saved && path == original ? "<?xml version=\"1.0\"?><abcde001/>"_ba : QByteArray());
     }
 
     void remembersRecentFiles_data()

@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 using namespace fbtest;
@@ -275,6 +276,46 @@ private Q_SLOTS:
         QCOMPARE(m_window->control()->property("Edit").toBool(), true);
         QCOMPARE(m_window->control()->MappingObjectXML(), document);
         QVERIFY(!m_window->windowTitle().contains(u"read-only"_s));
+    }
+
+    // Saving would drop a dump that holds rules but that no script names any
+    // more: the host lists it and asks; Cancel writes nothing, Save writes
+    // the document indented and keeps the previous file as a backup.
+    void saveAsksBeforeRemovingWork()
+    {
+        QString text = readAll(m_path);
+        text.replace(u"</klmno001>"_s, u"<DUMP No=\"7\"><CUSTNO No=\"1\">kept.rule</CUSTNO></DUMP></klmno001>"_s);
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) > 0);
+        file.close();
+        QVERIFY(m_window->openFile(m_path));
+        m_boxes->expect(ModalAnswerer::press(QMessageBox::Cancel));
+        QVERIFY(!m_window->save());
+        QCOMPARE(m_boxes->records().value(0).objectName, u"ConfirmRemovalsBox"_s);
+        QCOMPARE(readAll(m_path), text);
+        m_boxes->expect(ModalAnswerer::press(QMessageBox::Save));
+        QVERIFY(m_window->save());
+        QVERIFY(!readAll(m_path).contains(u"kept.rule"_s));
+        QVERIFY(readAll(m_path).contains(u"\n  <DUMP No=\"1\""_s));
+        QCOMPARE(readAll(HostDocument::backupPath(m_path)), text);
+        QVERIFY(m_window->save()); // nothing left to ask about
+    }
+
+    void editMenuUndoesTheControlsSteps()
+    {
+        part<QTabWidget>(u"MainTab"_s)->setCurrentIndex(1);
+        const QStringList before = rows(part<QAbstractItemView>(u"RulesGrid"_s), 1);
+        m_boxes->expect(ModalAnswerer::press(QMessageBox::Yes));
+        click(u"CmdGuess"_s);
+        QVERIFY(action("actionUndo")->isEnabled());
+        QVERIFY2(action("actionUndo")->text().contains(u"Guess: "_s), qPrintable(action("actionUndo")->text()));
+        action("actionUndo")->trigger();
+        QCOMPARE(rows(part<QAbstractItemView>(u"RulesGrid"_s), 1), before);
+        QVERIFY(action("actionRedo")->isEnabled());
+        m_window->activateWindow(); // offscreen, no window is active again after a modal box
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        action("actionFind")->trigger();
+        QVERIFY(part(u"txtFindTarget"_s)->hasFocus());
     }
 
     void opensFromTheRecentMenu()

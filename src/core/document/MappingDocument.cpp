@@ -242,6 +242,19 @@ QByteArray MappingDocument::SerializeUtf8() const
     return writer.out;
 }
 
+QString MappingDocument::SerializeIndented() const
+{
+    struct Writer : pugi::xml_writer {
+        QByteArray out;
+        void write(const void* data, size_t size) override
+        {
+            out.append(static_cast<const char*>(data), qsizetype(size));
+        }
+    } writer;
+    d->doc.save(writer, "  ", pugi::format_indent | pugi::format_no_declaration, pugi::encoding_utf8);
+    return Utf8Text(writer.out);
+}
+
 QString MappingDocument::Serialize() const
 {
     return Utf8Text(SerializeUtf8());

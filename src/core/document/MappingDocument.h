@@ -74,6 +74,10 @@ public:
     QString Serialize() const;
     // The same text in UTF-8.
     QByteArray SerializeUtf8() const;
+    // The text indented for people and diffs: elements that hold only
+    // elements get one per line; no element that holds text changes, so
+    // loading it again gives the same document.
+    QString SerializeIndented() const;
     // The text, written at the same time, piece by piece, to the file as
     // WriteTextFile writes it (UTF-8): no whole copy of it in UTF-8 is made.
     // False in written (and the reason in error) when the file could not be

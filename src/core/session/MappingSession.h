@@ -183,6 +183,11 @@ public:
     QList<Problem> CheckMapping();
     // Shows the dump and the grid row of a problem (its row in problems()).
     void ShowProblem(int index);
+    // What reading the document would remove with content: dumps holding
+    // rules that no script references, main queries with text for tables no
+    // longer migrated. The script boxes' pending edits are stored first, as a
+    // read stores them; nothing is removed.
+    QList<Problem> PendingRemovals();
 
     // ---- undo and redo ------------------------------------------------------
     // Every change of the mapping made through the control is one step; the

@@ -167,6 +167,13 @@ QList<Problem> MappingSession::CheckMapping()
     return m_problems.problems();
 }
 
+QList<Problem> MappingSession::PendingRemovals()
+{
+    StorePrecondition();
+    StoreMainQuery();
+    return CheckSections(m_doc);
+}
+
 void MappingSession::ShowProblem(int index)
 {
     if (index < 0 || index >= m_problems.problems().size())
