@@ -113,14 +113,9 @@ const SourceCatalogue& MappingSession::sourceCatalogue()
 
 void MappingSession::scheduleChecks(bool everything)
 {
-    if (everything) {
-        m_checkedDumps = CheckedDumps(m_doc);
-        m_checkQueue = m_checkedDumps;
-        m_checkSections = true;
-        // Dumps no longer checked leave the list.
-        for (auto it = m_dumpProblems.begin(); it != m_dumpProblems.end();)
-            it = m_checkedDumps.contains(it.key()) ? std::next(it) : m_dumpProblems.erase(it);
-    }
+    // The work itself waits for the event loop: loading and switching tabs
+    // do not wait for it.
+    m_checkSections = m_checkSections || everything;
     if (!m_checkTimer.isActive())
         m_checkTimer.start(0);
 }
@@ -130,6 +125,11 @@ void MappingSession::checkSome()
     QElapsedTimer clock;
     clock.start();
     if (m_checkSections) {
+        m_checkedDumps = CheckedDumps(m_doc);
+        m_checkQueue = m_checkedDumps;
+        // Dumps no longer checked leave the list.
+        for (auto it = m_dumpProblems.begin(); it != m_dumpProblems.end();)
+            it = m_checkedDumps.contains(it.key()) ? std::next(it) : m_dumpProblems.erase(it);
         m_sectionProblems = CheckSections(m_doc);
         m_checkSections = false;
     }
@@ -159,7 +159,7 @@ void MappingSession::publishProblems()
 QList<Problem> MappingSession::CheckMapping()
 {
     if (m_checkedDumps.isEmpty() && m_checkQueue.isEmpty())
-        scheduleChecks(true);
+        m_checkSections = true;
     while (!m_checkQueue.isEmpty() || m_checkSections)
         checkSome();
     m_checkTimer.stop();
