@@ -95,9 +95,11 @@ void StatusMarks::initStyleOption(QStyleOptionViewItem* option, const QModelInde
     const Status s = statusOf(index);
     if (s == Status::None)
         return;
-    QColor tint = colourOf(s);
-    tint.setAlpha(40);
-    option->backgroundBrush = tint;
+    if (s == Status::Good || s == Status::Open) { // a field's mark; a problem's line keeps its colours
+        QColor tint = colourOf(s);
+        tint.setAlpha(40);
+        option->backgroundBrush = tint;
+    }
     option->icon = iconOf(s);
     option->features |= QStyleOptionViewItem::HasDecoration;
     const int side = option->fontMetrics.height() - 2;
