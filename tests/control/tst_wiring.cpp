@@ -305,13 +305,25 @@ private Q_SLOTS:
         QCOMPARE(host->text(box).section(u'\n', -1), typed + first);
     }
 
-    // Reading the document writes the export into the temporary folder.
+    // Reading the document writes the export into the temporary folder,
+    // named after the table padded to eight characters, its folders encoded.
+    void exportOnRead_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("fileName");
+        QTest::newRow("the table's name") << u"klmno001"_s << u"klmno001.xml"_s;
+        QTest::newRow("a short name keeps its blanks") << u"abc"_s << u"abc     .xml"_s;
+        QTest::newRow("folders in the name") << u"../a/b/c"_s << u"..%2Fa%2Fb%2Fc.xml"_s;
+    }
     void exportOnRead()
     {
+        QFETCH(QString, table);
+        QFETCH(QString, fileName);
         QDir(tempDir()).removeRecursively();
-        host->load(u"klmno001"_s, readSample(u"klmno001.xml"_s));
+        host->load(table, readSample(u"klmno001.xml"_s));
         const QString xml = host->xml();
-        QFile file(tempDir() + u"klmno001.xml"_s);
+        QCOMPARE(QDir(tempDir()).entryList(QDir::Files | QDir::Hidden), QStringList{fileName});
+        QFile file(tempDir() + fileName);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(QString::fromUtf8(file.readAll()), xml);
     }
