@@ -91,7 +91,7 @@ private Q_SLOTS:
         for (const QString& name : {u"FrmCondition"_s, u"FrmRules"_s, u"Details"_s})
             QVERIFY2(host->find<QGroupBox>(name), qPrintable(name));
         for (const QString& name : {u"CmbDump"_s, u"CmbTargetTable"_s})
-            QVERIFY2(host->combo(name), qPrintable(name));
+            QVERIFY2(host->find<QComboBox>(name), qPrintable(name));
         for (const QString& name : {u"lstSourceTables"_s, u"lstMigrateSource"_s, u"lstSourceFields"_s,
                                     u"lstTargetFields"_s, u"RulesGrid"_s})
             QVERIFY2(host->view(name), qPrintable(name));
@@ -197,8 +197,8 @@ private Q_SLOTS:
     {
         QVERIFY(host->open(u"rules001"_s, rulesDocument()));
         host->clickTab(1);
-        QComboBox* cmb = host->combo(u"CmbDump"_s);
-        QCOMPARE(comboTexts(cmb), (QStringList{u"01--First"_s, u"02--Second"_s, u"03--Third"_s}));
+        QComboBox* cmb = host->find<QComboBox>(u"CmbDump"_s);
+        QCOMPARE(rows(cmb->view()), (QStringList{u"01--First"_s, u"02--Second"_s, u"03--Third"_s}));
         QCOMPARE(cmb->itemData(1).toInt(), 2);
         QCOMPARE(host->rules(), firstDumpRules());
         QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:First"_s);
