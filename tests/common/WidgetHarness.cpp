@@ -45,12 +45,6 @@ QString rulesDocument()
     return readFile("FIELDBRIDGE_DOCUMENTS", u"rules001.xml"_s);
 }
 
-QString tempDir()
-{
-    const QString dir = qEnvironmentVariable("FIELDBRIDGE_TEMP");
-    return dir.isEmpty() || dir.endsWith(u'/') ? dir : dir + u'/';
-}
-
 // ---- XML ------------------------------------------------------------------------
 
 QString XmlElement::attribute(const QString& a) const
@@ -235,32 +229,12 @@ void ModalAnswerer::poll()
 
 // ---- views, boxes and hands ------------------------------------------------------
 
-QString cell(const QAbstractItemView* view, int row, int column)
-{
-    return view->model()->index(row, column).data().toString();
-}
-
 QStringList rows(const QAbstractItemView* view, int column)
 {
     QStringList out;
     for (int r = 0; r < view->model()->rowCount(); ++r)
         out.append(cell(view, r, column));
     return out;
-}
-
-bool ticked(const QAbstractItemView* view, int row)
-{
-    return view->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
-}
-
-QString plainText(const QWidget* box)
-{
-    return box ? box->property("plainText").toString() : u"<no box>"_s;
-}
-
-bool ownEnabled(const QWidget* w)
-{
-    return w->parentWidget() ? w->isEnabledTo(w->parentWidget()) : w->isEnabled();
 }
 
 void clickCell(QAbstractItemView* view, int row, int column)

@@ -26,7 +26,10 @@ using namespace Qt::StringLiterals;
 // Drops the lines the offscreen platform prints for every window it shows.
 void installMessageFilter();
 QString readSample(const QString& fileName); // from $FIELDBRIDGE_EXAMPLES
-QString tempDir();                           // $FIELDBRIDGE_TEMP, ending in '/'
+inline QString tempDir() // $FIELDBRIDGE_TEMP, ending in '/'
+{
+    return qEnvironmentVariable("FIELDBRIDGE_TEMP") + u'/';
+}
 
 // The XML handed back, as a small tree.
 struct XmlElement {
@@ -95,11 +98,23 @@ private:
     QStringList m_unexpected;
 };
 
-QString cell(const QAbstractItemView* view, int row, int column);
+inline QString cell(const QAbstractItemView* view, int row, int column = 0)
+{
+    return view->model()->index(row, column).data().toString();
+}
 QStringList rows(const QAbstractItemView* view, int column = 0);
-bool ticked(const QAbstractItemView* view, int row);
-QString plainText(const QWidget* box);
-bool ownEnabled(const QWidget* w); // its own flag, whatever its frame's state
+inline bool ticked(const QAbstractItemView* view, int row)
+{
+    return view->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
+}
+inline QString plainText(const QWidget* box)
+{
+    return box ? box->property("plainText").toString() : u"<no box>"_s;
+}
+inline bool ownEnabled(const QWidget* w) // its own flag, whatever its frame's state
+{
+    return w->isEnabledTo(w->parentWidget());
+}
 
 // A click in the middle of a cell, scrolled into view first.
 void clickCell(QAbstractItemView* view, int row, int column = 0);
