@@ -91,7 +91,7 @@ private Q_SLOTS:
         for (const QString& name : {u"FrmCondition"_s, u"FrmRules"_s, u"Details"_s})
             QVERIFY2(host->find<QGroupBox>(name), qPrintable(name));
         for (const QString& name : {u"CmbDump"_s, u"CmbTargetTable"_s})
-            QVERIFY2(host->combo(name), qPrintable(name));
+            QVERIFY2(host->find<QComboBox>(name), qPrintable(name));
         for (const QString& name : {u"lstSourceTables"_s, u"lstMigrateSource"_s, u"lstSourceFields"_s,
                                     u"lstTargetFields"_s, u"RulesGrid"_s})
             QVERIFY2(host->view(name), qPrintable(name));
@@ -197,8 +197,8 @@ private Q_SLOTS:
     {
         QVERIFY(host->open(u"rules001"_s, rulesDocument()));
         host->clickTab(1);
-        QComboBox* cmb = host->combo(u"CmbDump"_s);
-        QCOMPARE(comboTexts(cmb), (QStringList{u"01--First"_s, u"02--Second"_s, u"03--Third"_s}));
+        QComboBox* cmb = host->find<QComboBox>(u"CmbDump"_s);
+        QCOMPARE(rows(cmb->view()), (QStringList{u"01--First"_s, u"02--Second"_s, u"03--Third"_s}));
         QCOMPARE(cmb->itemData(1).toInt(), 2);
         QCOMPARE(host->rules(), firstDumpRules());
         QCOMPARE(host->dumpCaption(), u"F&ields of Dump: 1:First"_s);
@@ -305,13 +305,25 @@ private Q_SLOTS:
         QCOMPARE(host->text(box).section(u'\n', -1), typed + first);
     }
 
-    // Reading the document writes the export into the temporary folder.
+    // Reading the document writes the export into the temporary folder,
+    // named after the table padded to eight characters, its folders encoded.
+    void exportOnRead_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("fileName");
+        QTest::newRow("the table's name") << u"klmno001"_s << u"klmno001.xml"_s;
+        QTest::newRow("a short name keeps its blanks") << u"abc"_s << u"abc     .xml"_s;
+        QTest::newRow("folders in the name") << u"../a/b/c"_s << u"..%2Fa%2Fb%2Fc.xml"_s;
+    }
     void exportOnRead()
     {
+        QFETCH(QString, table);
+        QFETCH(QString, fileName);
         QDir(tempDir()).removeRecursively();
-        host->load(u"klmno001"_s, readSample(u"klmno001.xml"_s));
+        host->load(table, readSample(u"klmno001.xml"_s));
         const QString xml = host->xml();
-        QFile file(tempDir() + u"klmno001.xml"_s);
+        QCOMPARE(QDir(tempDir()).entryList(QDir::Files | QDir::Hidden), QStringList{fileName});
+        QFile file(tempDir() + fileName);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(QString::fromUtf8(file.readAll()), xml);
     }

@@ -151,6 +151,7 @@ private Q_SLOTS:
         QTest::newRow("loaded lone CR") << u"load"_s << u"a\rb"_s << u"a\nb"_s;
         QTest::newRow("loaded &#13;&#10;") << u"load"_s << u"a&#13;&#10;b&#13;&#10;"_s << u"a\nb\n"_s;
         QTest::newRow("loaded &#13; alone") << u"load"_s << u"a&#13;b"_s << u"a\nb"_s;
+        QTest::newRow("loaded &#13;&#13;&#10;") << u"load"_s << u"a&#13;&#13;&#10;b"_s << u"a\n\nb"_s;
         QTest::newRow("written CR LF") << u"text"_s << u"a\r\nb"_s << u"a\nb"_s;
         QTest::newRow("written lone CR") << u"text"_s << u"a\rb"_s << u"a\nb"_s;
         QTest::newRow("written mixed") << u"text"_s << u"a\r\n\r\nb\rc\n"_s << u"a\n\nb\nc\n"_s;

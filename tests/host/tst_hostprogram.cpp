@@ -9,10 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString example(const QString& name)
-{
-    return QString::fromLocal8Bit(qgetenv("FIELDBRIDGE_EXAMPLES")) + u'/' + name;
-}
+const QString kSample = qEnvironmentVariable("FIELDBRIDGE_EXAMPLES") + u"/klmno001.xml"_s;
 
 struct Run {
     int exitCode = -1;
@@ -20,12 +17,15 @@ struct Run {
     QString err;
 };
 
-Run runHost(const QStringList& arguments,
-            const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
+Run runHost(const QStringList& arguments, bool display = true)
 {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!display)
+        for (const QString& name : {u"QT_QPA_PLATFORM"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s})
+            environment.remove(name);
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.start(QString::fromLocal8Bit(qgetenv("FIELDBRIDGE_HOST")), arguments);
+    process.start(qEnvironmentVariable("FIELDBRIDGE_HOST"), arguments);
     Run run;
     if (!process.waitForFinished(120000)) {
         process.kill();
@@ -48,7 +48,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("argument");
         QTest::addColumn<QString>("answer");
-
         QTest::newRow("--help") << u"--help"_s << u"--screenshot <DIR>"_s;
         QTest::newRow("--version") << u"--version"_s << u"fieldbridge-host "_s;
     }
@@ -56,11 +55,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, argument);
         QFETCH(QString, answer);
-
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const QString& name : {u"QT_QPA_PLATFORM"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s})
-            environment.remove(name);
-        const Run run = runHost({example(u"klmno001.xml"_s), argument}, environment);
+        const Run run = runHost({kSample, argument}, false);
         QVERIFY2(run.exitCode == 0, qPrintable(run.err));
         QVERIFY2(run.out.join(u'\n').contains(answer), qPrintable(run.out.join(u'\n')));
     }
@@ -68,14 +63,13 @@ private Q_SLOTS:
     void rendersBothTabs_data()
     {
         QTest::addColumn<QStringList>("arguments");
-
         QTest::newRow("bundled sample") << QStringList{};
-        QTest::newRow("multi target, view mode") << QStringList{u"--view"_s, example(u"fghij100.xml"_s)};
+        QTest::newRow("multi target, view mode")
+            << QStringList{u"--view"_s, QString(kSample).replace(u"klmno001"_s, u"fghij100"_s)};
     }
     void rendersBothTabs()
     {
         QFETCH(QStringList, arguments);
-
         QTemporaryDir dir;
         const QString target = dir.filePath(u"shots"_s);
         const Run run = runHost(QStringList{u"--screenshot"_s, target} + arguments);
@@ -95,13 +89,13 @@ private Q_SLOTS:
         QVERIFY(pages[0] != pages[1]);
     }
 
+    // The problem goes to standard error: no box waits for a person.
     void failsOnMalformedInputWithoutWaiting()
     {
         QTemporaryDir dir;
         QFile file(dir.filePath(u"input.xml"_s));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("<abcde001><PREC>") > 0);
         file.close();
-        // The problem goes to standard error: no box waits for a person.
         const Run run = runHost({u"--screenshot"_s, dir.filePath(u"shots"_s), file.fileName()});
         QCOMPARE(run.exitCode, 1);
         QVERIFY(run.out.isEmpty());
