@@ -291,7 +291,7 @@ private Q_SLOTS:
         QVERIFY(m_window->openFile(m_path));
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Cancel));
         QVERIFY(!m_window->save());
-        QCOMPARE(m_boxes->records().value(0).objectName, u"ConfirmRemovalsBox"_s);
+        QCOMPARE(m_boxes->records().value(0).text, u"Saving removes work that no script references any more:"_s);
         QCOMPARE(readAll(m_path), text);
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Save));
         QVERIFY(m_window->save());
