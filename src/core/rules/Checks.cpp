@@ -302,6 +302,12 @@ QList<qint16> CheckedDumps(MappingDocument& doc)
     return numbers;
 }
 
+DumpReferences ReferencedDumpsOf(MappingDocument& doc)
+{
+    const QuietScan scan(doc);
+    return doc.ReferencedDumps();
+}
+
 QList<Problem> CheckMapping(MappingDocument& doc)
 {
     QList<Problem> out = CheckSections(doc);

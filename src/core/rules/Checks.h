@@ -80,6 +80,11 @@ QList<qint16> CheckedDumps(MappingDocument& doc);
 // dump in document order.
 QList<Problem> CheckMapping(MappingDocument& doc);
 
+// The dumps the scripts reference, with the text each reference pairs with
+// its number, as the next read of the document works them out; the
+// document's own lists stay as they were.
+DumpReferences ReferencedDumpsOf(MappingDocument& doc);
+
 // Works out the migrate tables and the referenced dumps from the scripts,
 // quietly and without creating any element: what a headless reader does
 // before checking.

@@ -1,0 +1,229 @@
+#include "Report.h"
+
+#include "ReportRenderers_p.h"
+
+#include "core/dictionary/FieldRules.h"
+#include "core/document/LineBreaks.h"
+#include "core/document/TextRules.h"
+#include "core/rules/DumpStore.h"
+
+#include <QMap>
+
+namespace fb {
+
+namespace {
+
+// A documentation text that is a whole number stands for a text the host
+// keeps under that number (SetTextNumber writes it so).
+bool isTextNumber(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    for (const QChar c : text)
+        if (c < u'0' || c > u'9')
+            return false;
+    return true;
+}
+
+QStringList sourcesOf(const QString& rule)
+{
+    QStringList sources;
+    for (const FieldReference& ref : FieldReferences(rule)) {
+        const QString named = ref.table + u'.' + ref.field;
+        if (!sources.contains(named))
+            sources.append(named);
+    }
+    return sources;
+}
+
+ReportField fieldOf(int row, const TargetField& target, const QString& storedRule, const Node& dumpNode)
+{
+    ReportField f;
+    const FieldDefinition& definition = target.definition;
+    f.row = row;
+    f.number = FieldNumberText(definition);
+    f.name = target.name;
+    f.description = LfText(definition.description);
+    f.type = GetFieldTypeText(definition, f.length);
+    f.mandatory = target.mandatory();
+    f.rule = HasRule(storedRule) ? LfText(storedRule) : QString();
+    f.sources = sourcesOf(f.rule);
+    // The documentation belongs to the element named like the field, as
+    // the dump's text command finds it.
+    const Node element = dumpNode.childElement(definition.elementName.toUpper());
+    const QString text = MappingDocument::DocText(element);
+    if (isTextNumber(str::Trim(text)))
+        f.hostTextNumber = str::Trim(text);
+    else
+        f.documentation = LfText(MappingDocument::DisplayText(text));
+    return f;
+}
+
+ReportDump dumpOf(MappingDocument& doc, qint16 number, const QString& referenceText)
+{
+    ReportDump dump;
+    dump.number = number;
+    const Node dumpNode = doc.GetDumpNode(number);
+    dump.text = referenceText.isEmpty() ? dumpNode.attribute("TXT") : referenceText;
+    const Node table = doc.GetTargetTableNode(number);
+    dump.targetTable = table ? table.name() : MappingDocument::DumpTargetTable(dumpNode);
+
+    const QList<TargetField> fields = TargetFieldsOf(table);
+    const QList<GridRule> rules = RulesOfDump(doc, number);
+    dump.coverage = CoverageOf(fields, rules);
+    QList<QString> byRow(fields.size());
+    for (const GridRule& rule : rules) // the last rule for a row wins, as in the checks
+        if (rule.row >= 0 && rule.row < byRow.size())
+            byRow[rule.row] = rule.text;
+    for (int row = 0; row < fields.size(); ++row)
+        dump.fields.append(fieldOf(row, fields[row], byRow[row], dumpNode));
+    return dump;
+}
+
+} // namespace
+
+std::optional<ReportFormat> ReportFormatFromName(const QString& name)
+{
+    const QString n = name.toLower();
+    if (n == u"html")
+        return ReportFormat::Html;
+    if (n == u"md" || n == u"markdown")
+        return ReportFormat::Markdown;
+    if (n == u"csv")
+        return ReportFormat::Csv;
+    return std::nullopt;
+}
+
+QString ReportFileSuffix(ReportFormat format)
+{
+    switch (format) {
+    case ReportFormat::Html:
+        return QStringLiteral("html");
+    case ReportFormat::Markdown:
+        return QStringLiteral("md");
+    case ReportFormat::Csv:
+        break;
+    }
+    return QStringLiteral("csv");
+}
+
+QString HostTextNote(const QString& number)
+{
+    return QStringLiteral("Text no. ") + number + QStringLiteral(" (kept by the host)");
+}
+
+MappingReport BuildReport(MappingDocument& doc)
+{
+    MappingReport report;
+    report.table = str::RTrim(doc.TableName());
+    for (QString name : str::Split(doc.GetSourceTablesText(), u',')) {
+        name = str::Trim(name.remove(u'\r').remove(u'\n'));
+        if (!name.isEmpty() && !report.sourceTables.contains(name))
+            report.sourceTables.append(name);
+    }
+
+    const QList<Problem> problems = CheckMapping(doc);
+    const DumpReferences refs = ReferencedDumpsOf(doc);
+    QMap<qint16, QString> referenced; // by number
+    for (qsizetype i = 0; i < refs.numbers.size(); ++i)
+        if (refs.numbers[i] != 0)
+            referenced.insert(refs.numbers[i], refs.texts.value(i));
+    for (auto it = referenced.cbegin(); it != referenced.cend(); ++it)
+        report.dumps.append(dumpOf(doc, it.key(), it.value()));
+
+    // Each problem goes to the field it names; the rest to the overview.
+    for (const Problem& p : problems) {
+        ReportField* field = nullptr;
+        ReportDump* owner = nullptr;
+        for (ReportDump& dump : report.dumps)
+            if (dump.number == p.dump && p.row >= 0 && p.row < dump.fields.size()) {
+                owner = &dump;
+                field = &dump.fields[p.row];
+            }
+        if (!field) {
+            report.otherProblems.append(p);
+            continue;
+        }
+        field->problems.append(p);
+        (p.severity == Severity::Error ? owner->errors : owner->warnings) += 1;
+    }
+    return report;
+}
+
+QString RenderReport(const MappingReport& report, ReportFormat format)
+{
+    switch (format) {
+    case ReportFormat::Html:
+        return detail::RenderHtml(report);
+    case ReportFormat::Markdown:
+        return detail::RenderMarkdown(report);
+    case ReportFormat::Csv:
+        break;
+    }
+    return detail::RenderCsv(report);
+}
+
+QString RenderReport(MappingDocument& doc, ReportFormat format)
+{
+    return RenderReport(BuildReport(doc), format);
+}
+
+} // namespace fb
+
+namespace fb::detail {
+
+QString MandatoryCell(bool mandatory)
+{
+    return mandatory ? QStringLiteral("Yes") : QString();
+}
+
+QString DocumentationCell(const ReportField& f)
+{
+    return f.hostTextNumber.isEmpty() ? f.documentation : HostTextNote(f.hostTextNumber);
+}
+
+QString ProblemLine(const Problem& p)
+{
+    return SeverityText(p.severity) + QStringLiteral(": ") + p.message;
+}
+
+QString ProblemsCell(const QList<Problem>& problems)
+{
+    QStringList lines;
+    for (const Problem& p : problems)
+        lines.append(ProblemLine(p));
+    return lines.join(u'\n');
+}
+
+QString TargetTableCell(const ReportDump& dump)
+{
+    return dump.targetTable.isEmpty() ? QStringLiteral("(none)") : dump.targetTable;
+}
+
+QString CoverageShort(const Coverage& c)
+{
+    return QStringLiteral("%1 of %2").arg(c.withRule).arg(c.fields);
+}
+
+int CoveragePercent(const Coverage& c)
+{
+    return c.fields > 0 ? int(qint64(c.withRule) * 100 / c.fields) : 0;
+}
+
+QString ProblemCounts(int errors, int warnings)
+{
+    QStringList parts;
+    if (errors > 0)
+        parts.append(QString::number(errors) + (errors == 1 ? QStringLiteral(" error") : QStringLiteral(" errors")));
+    if (warnings > 0)
+        parts.append(QString::number(warnings) +
+                     (warnings == 1 ? QStringLiteral(" warning") : QStringLiteral(" warnings")));
+    return parts.isEmpty() ? QStringLiteral("None") : parts.join(QStringLiteral(", "));
+}
+
+QString OutsideDumpsTitle()
+{
+    return QStringLiteral("Problems outside the dumps");
+}
+
+} // namespace fb::detail
