@@ -3,6 +3,8 @@
 #include "SourceTablesDialog.h"
 
 #include "core/document/LineBreaks.h"
+#include "core/document/MappingDocument.h"
+#include "core/document/TextFile.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -26,6 +28,7 @@
 #include <QUndoGroup>
 #include <QUndoStack>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -98,6 +101,10 @@ void HostWindow::createActions()
 
     m_revertAction = fileMenu->addAction(tr("&Revert"), this, &HostWindow::revert);
     m_revertAction->setObjectName(QStringLiteral("actionRevert"));
+
+    fileMenu->addSeparator();
+    m_exportAction = fileMenu->addAction(tr("&Export Specification..."), this, &HostWindow::exportSpecification);
+    m_exportAction->setObjectName(QStringLiteral("actionExportSpecification"));
 
     fileMenu->addSeparator();
     QAction* quit = fileMenu->addAction(tr("&Quit"), this, &QWidget::close);
@@ -379,6 +386,54 @@ bool HostWindow::saveTo(const QString& path)
     return true;
 }
 
+bool HostWindow::exportSpecification()
+{
+    if (!m_control)
+        return false;
+    static const QList<fb::ReportFormat> formats{fb::ReportFormat::Html, fb::ReportFormat::Markdown,
+                                                 fb::ReportFormat::Csv};
+    const QStringList filters{tr("HTML page (*.html *.htm)"), tr("Markdown (*.md *.markdown)"),
+                              tr("CSV for a spreadsheet (*.csv)")};
+    const QString folder =
+        m_document.path().isEmpty() ? QDir::homePath() : QFileInfo(m_document.path()).absolutePath();
+    QFileDialog dialog(this, tr("Export Specification"),
+                       QDir(folder).filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".html")));
+    dialog.setObjectName(QStringLiteral("ExportSpecificationDialog"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return false;
+    QString path = dialog.selectedFiles().constFirst();
+    const QString suffix = QFileInfo(path).suffix();
+    auto format = fb::ReportFormatFromName(suffix.compare(u"htm", Qt::CaseInsensitive) == 0 ? QStringLiteral("html")
+                                                                                              : suffix);
+    if (!format) {
+        format = formats.value(std::max(0, int(filters.indexOf(dialog.selectedNameFilter()))));
+        path += u'.' + fb::ReportFileSuffix(*format);
+    }
+    return exportSpecificationTo(path, *format);
+}
+
+bool HostWindow::exportSpecificationTo(const QString& path, fb::ReportFormat format)
+{
+    if (!m_control)
+        return false;
+    // A document of its own: the report scans the scripts, and the control's
+    // document is not to be touched by that.
+    fb::MappingDocument doc;
+    doc.LoadXml(m_control->MappingObjectXML());
+    doc.SetTableName(doc.DocumentElement().name());
+    QString error;
+    if (!fb::WriteTextFile(path, fb::RenderReport(doc, format), &error)) {
+        QMessageBox::critical(this, tr("Export Specification"),
+                              tr("The specification could not be written to %1: %2")
+                                  .arg(QDir::toNativeSeparators(path), error));
+        return false;
+    }
+    statusBar()->showMessage(tr("Specification written to %1").arg(QDir::toNativeSeparators(path)), 5000);
+    return true;
+}
+
 void HostWindow::setEditMode(bool on)
 {
     if (on == m_editMode || m_saveLocked) {
@@ -492,6 +547,7 @@ void HostWindow::updateActions()
     m_saveAction->setEnabled(hasDocument && !m_saveLocked);
     m_saveAsAction->setEnabled(hasDocument && !m_saveLocked);
     m_revertAction->setEnabled(hasDocument && !m_saveLocked);
+    m_exportAction->setEnabled(hasDocument);
     m_editModeAction->setEnabled(!m_saveLocked);
     m_editModeAction->setChecked(m_editMode);
 }

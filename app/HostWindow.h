@@ -3,6 +3,8 @@
 #include "HostDocument.h"
 #include "ScriptBuilderDialog.h"
 
+#include "core/report/Report.h"
+
 #include <ctlFieldbridge.h>
 
 #include <QMainWindow>
@@ -35,6 +37,13 @@ public:
     bool save();
     bool saveAs();
     bool saveTo(const QString& path);
+    // File > Export Specification: asks for a file; its suffix chooses the
+    // format, else the chosen filter does and adds its suffix.
+    bool exportSpecification();
+    // The mapping specification of the document the control hands back,
+    // written in one step; a failure is shown in a message box.
+    bool exportSpecificationTo(const QString& path, fb::ReportFormat format);
+
     // Back to the document as loaded or last saved, in a fresh control,
     // once the user agrees to discard the changes.
     void revert();
@@ -94,6 +103,7 @@ private:
     QAction* m_saveAction = nullptr;
     QAction* m_saveAsAction = nullptr;
     QAction* m_revertAction = nullptr;
+    QAction* m_exportAction = nullptr;
     QAction* m_editModeAction = nullptr;
     QUndoGroup* m_undoGroup = nullptr;
     // Work the control removed when the document was first read (no script

@@ -6,6 +6,8 @@
 
 #include <QAction>
 #include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -316,6 +318,55 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
         action("actionFind")->trigger();
         QVERIFY(part(u"txtFindTarget"_s)->hasFocus());
+    }
+
+    // The report comes from the control's document, not from the file: a dump
+    // the precondition names only in the control is in every format.
+    void exportWritesTheSpecification_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<int>("filter"); // HTML, Markdown, CSV
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QString>("begins");
+        QTest::newRow("the chosen filter adds its suffix") << u"spec"_s << 0 << u"spec.html"_s << u"<!DOCTYPE html>"_s;
+        QTest::newRow("markdown") << u"spec"_s << 1 << u"spec.md"_s << u"# Mapping specification: klmno001"_s;
+        QTest::newRow("the suffix typed wins over the filter") << u"spec.csv"_s << 0 << u"spec.csv"_s
+                                                              << u"\uFEFFDump,"_s;
+    }
+    void exportWritesTheSpecification()
+    {
+        QFETCH(QString, typed);
+        QFETCH(int, filter);
+        QFETCH(QString, written);
+        QFETCH(QString, begins);
+        ctlFieldbridge* control = m_window->control();
+        control->setProperty("PreCondition", control->PreCondition() + u"\ndump 9 Signed off"_s);
+        m_boxes->expect([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            QVERIFY(dialog);
+            dialog->selectNameFilter(dialog->nameFilters().value(filter));
+            auto* name = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
+            QVERIFY(name);
+            name->selectAll();
+            QTest::keyClicks(name, m_dir->filePath(typed));
+            static_cast<QDialog*>(dialog)->accept(); // QFileDialog::accept(), as the Save button does
+        });
+        action("actionExportSpecification")->trigger();
+        QTRY_COMPARE(m_boxes->pending(), 0);
+        QFile file(m_dir->filePath(written));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll(); // as written: a byte-order mark included
+        QVERIFY2(bytes.startsWith(begins.toUtf8()), bytes.left(80).constData());
+        QVERIFY(bytes.contains("Signed off"));
+    }
+
+    void exportFailureIsShown()
+    {
+        m_boxes->expect(ModalAnswerer::press(QMessageBox::Ok));
+        QVERIFY(!m_window->exportSpecificationTo(m_path + u"/spec.html"_s, fb::ReportFormat::Html));
+        QTRY_COMPARE(m_boxes->pending(), 0);
+        QCOMPARE(m_boxes->records().value(0).icon, QMessageBox::Critical);
+        QVERIFY(m_boxes->records().value(0).text.contains(m_path));
     }
 
     void opensFromTheRecentMenu()
