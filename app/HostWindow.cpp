@@ -396,8 +396,8 @@ bool HostWindow::exportSpecification()
                               tr("CSV for a spreadsheet (*.csv)")};
     const QString folder =
         m_document.path().isEmpty() ? QDir::homePath() : QFileInfo(m_document.path()).absolutePath();
-    QFileDialog dialog(this, tr("Export Specification"),
-                       QDir(folder).filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".html")));
+    const QString name = m_document.catalogue().rootName.trimmed() + QStringLiteral(".html");
+    QFileDialog dialog(this, tr("Export Specification"), QDir(folder).filePath(name));
     dialog.setObjectName(QStringLiteral("ExportSpecificationDialog"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilters(filters);
@@ -405,8 +405,8 @@ bool HostWindow::exportSpecification()
         return false;
     QString path = dialog.selectedFiles().constFirst();
     const QString suffix = QFileInfo(path).suffix();
-    auto format = fb::ReportFormatFromName(suffix.compare(u"htm", Qt::CaseInsensitive) == 0 ? QStringLiteral("html")
-                                                                                              : suffix);
+    const bool htm = suffix.compare(u"htm", Qt::CaseInsensitive) == 0;
+    auto format = fb::ReportFormatFromName(htm ? QStringLiteral("html") : suffix);
     if (!format) {
         format = formats.value(std::max(0, int(filters.indexOf(dialog.selectedNameFilter()))));
         path += u'.' + fb::ReportFileSuffix(*format);
@@ -426,7 +426,7 @@ bool HostWindow::exportSpecificationTo(const QString& path, fb::ReportFormat for
     QString error;
     if (!fb::WriteTextFile(path, fb::RenderReport(doc, format), &error)) {
         QMessageBox::critical(this, tr("Export Specification"),
-                              tr("The specification could not be written to %1: %2")
+                              tr("The mapping specification could not be written to %1: %2")
                                   .arg(QDir::toNativeSeparators(path), error));
         return false;
     }

@@ -328,9 +328,11 @@ private Q_SLOTS:
         QTest::addColumn<int>("filter"); // HTML, Markdown, CSV
         QTest::addColumn<QString>("written");
         QTest::addColumn<QString>("begins");
-        QTest::newRow("the chosen filter adds its suffix") << u"spec"_s << 0 << u"spec.html"_s << u"<!DOCTYPE html>"_s;
-        QTest::newRow("markdown") << u"spec"_s << 1 << u"spec.md"_s << u"# Mapping specification: klmno001"_s;
-        QTest::newRow("the suffix typed wins over the filter") << u"spec.csv"_s << 0 << u"spec.csv"_s
+        QTest::newRow("the chosen filter adds its suffix")
+            << u"signoff"_s << 0 << u"signoff.html"_s << u"<!DOCTYPE html>"_s;
+        QTest::newRow("markdown") << u"signoff"_s << 1 << u"signoff.md"_s
+                                  << u"# Mapping specification: klmno001"_s;
+        QTest::newRow("the suffix typed wins over the filter") << u"signoff.csv"_s << 0 << u"signoff.csv"_s
                                                               << u"\uFEFFDump,"_s;
     }
     void exportWritesTheSpecification()
@@ -363,7 +365,7 @@ private Q_SLOTS:
     void exportFailureIsShown()
     {
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Ok));
-        QVERIFY(!m_window->exportSpecificationTo(m_path + u"/spec.html"_s, fb::ReportFormat::Html));
+        QVERIFY(!m_window->exportSpecificationTo(m_path + u"/signoff.html"_s, fb::ReportFormat::Html));
         QTRY_COMPARE(m_boxes->pending(), 0);
         QCOMPARE(m_boxes->records().value(0).icon, QMessageBox::Critical);
         QVERIFY(m_boxes->records().value(0).text.contains(m_path));

@@ -41,7 +41,8 @@ QString hostileDocument(const QString& zipRule = kRule)
     xml.replace(u"TEXT=\"\">srcbb002.city"_s, u"TEXT=\"17\">srcbb002.city"_s);
     xml.replace(u">srcaa001.zip<"_s, u'>' + zipRule.toHtmlEscaped() + u'<');
     xml.replace(u"ADJU=\"L\""_s, u"DSCA=\"Name, &lt;first&gt; &amp; &quot;last&quot;\""_s);
-    xml.replace(u"</RULES001></TARTAB>"_s, u"<ÜBER名 No=\"11\" FNo=\"10\" TYPE=\"S\" LENG=\"40\"/></RULES001></TARTAB>"_s);
+    xml.replace(u"</RULES001></TARTAB>"_s,
+                u"<ÜBER名 No=\"11\" FNo=\"10\" TYPE=\"S\" LENG=\"40\"/></RULES001></TARTAB>"_s);
     xml.replace(u"</DUMP>\n<DUMP No=\"2\""_s, u"<ÜBER名 No=\"11\">\"€ 😀\"</ÜBER名></DUMP>\n<DUMP No=\"2\""_s);
     xml.replace(u"<TARTAB>"_s, u"<DUMP No=\"7\"><ZIP No=\"10\">x</ZIP></DUMP><QUERY ST=\"ab&#9;c&#10;d&quot;e\">"
                                u"select</QUERY><TARTAB>"_s);
@@ -293,8 +294,9 @@ private Q_SLOTS:
     {
         const QString rule = u"<script src=\"http://x/y.js\"></script><img src=file:///etc/x><link href=\"y.css\">"_s;
         QXmlStreamReader xml(render(hostileDocument(rule), u"html"_s));
-        static const QStringList allowed = u"html head meta title style body header p h1 h2 h3 dl dt dd div section "
-                                           u"table colgroup col thead tbody tr th td a ul li b span footer"_s.split(u' ');
+        static const QStringList allowed =
+            u"html head meta title style body header p h1 h2 h3 dl dt dd div section table colgroup col thead "
+            u"tbody tr th td a ul li b span footer"_s.split(u' ');
         static const QRegularExpression width(u"^width:\\d+%$"_s);
         while (!xml.atEnd()) {
             xml.readNext();

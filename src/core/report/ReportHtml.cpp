@@ -245,7 +245,8 @@ QString RenderHtml(const MappingReport& report)
     out += QStringLiteral(
         "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"/>"
         "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'\"/>"
-        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/><title>Mapping specification \u2013 ");
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>"
+        "<title>Mapping specification \u2013 ");
     out += esc(report.table) + QStringLiteral("</title><style>") + QString::fromUtf8(kStyle) +
            QStringLiteral("</style></head>\n<body>\n");
     header(out, report);
