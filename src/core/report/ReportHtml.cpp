@@ -84,7 +84,7 @@ a { color: var(--accent); text-decoration: none; font-weight: 600; }
 .req { display: inline-block; padding: 0 6px; border-radius: 8px; background: #e8eefb; color: var(--accent);
        font-size: 11px; font-weight: 700; }
 .rule, .doc { white-space: pre-wrap; }
-.rule { font-family: "DejaVu Sans Mono", Consolas, "Liberation Mono", monospace; font-size: 12px; }
+.rule { font-family: "DejaVu Sans Mono", Consolas, "Liberation Mono", monospace; font-size: 12px; tab-size: 4; }
 td.rule:empty::before { content: "no rule"; color: var(--muted); font-family: "DejaVu Sans", Arial, sans-serif;
                         font-style: italic; }
 tr.open td:first-child { box-shadow: inset 3px 0 0 var(--warn); }
