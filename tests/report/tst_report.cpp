@@ -22,11 +22,12 @@ QString rulesDocument()
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// rules001 with text no format may pass on as markup: dumps referenced out
-// of order, the first with markup in its text; a documentation text with
-// markup, a quote, a comma and a line break; a host's text number; a rule of
-// markup and Markdown; a field named in other scripts; an unreferenced dump
-// and a query whose table name holds a tab and a line break.
+// rules001 with text no format may pass on as markup: dumps referenced and
+// held out of number order, the first with markup in its text; a
+// documentation text with markup, a quote, a comma and a line break; a
+// host's text number; a rule of markup and Markdown; a field whose name is
+// not Latin; an unreferenced dump and a query whose table name holds a tab
+// and a line break.
 const QString kDumpText = uR"(Fïrst <b>& "quoted" | 'x', 名前)"_s;
 const QString kDoc = u"Signed: <i>Ann</i> & Bo | \"ok\", x\nsecond line"_s;
 const QString kRule = uR"(srcaa001.zip & "<a href='x'>|</a>, \*_[]~$`")"_s;
@@ -38,6 +39,7 @@ QString hostileDocument(const QString& zipRule = kRule)
                 u"dump 3 Third\ndump 1 "_s + kDumpText.toHtmlEscaped() + u"\ndump 2 Second"_s);
     xml.replace(u"TEXT=\"\">srcaa001.custno"_s, u"TEXT=\""_s + kDoc.toHtmlEscaped().replace(u"\n"_s, u"&#10;"_s) +
                                                     u"\">srcaa001.custno"_s);
+    xml.replace(u"<DUMP No=\"1\""_s, u"<DUMP No=\"3\"/><DUMP No=\"1\""_s); // document order is not number order
     xml.replace(u"TEXT=\"\">srcbb002.city"_s, u"TEXT=\"17\">srcbb002.city"_s);
     xml.replace(u">srcaa001.zip<"_s, u'>' + zipRule.toHtmlEscaped() + u'<');
     xml.replace(u"ADJU=\"L\""_s, u"DSCA=\"Name, &lt;first&gt; &amp; &quot;last&quot;\""_s);

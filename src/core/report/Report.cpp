@@ -7,7 +7,7 @@
 #include "core/document/TextRules.h"
 #include "core/rules/DumpStore.h"
 
-#include <QMap>
+#include <algorithm>
 
 namespace fb {
 
@@ -123,13 +123,13 @@ MappingReport BuildReport(MappingDocument& doc)
     }
 
     const QList<Problem> problems = CheckMapping(doc);
+    // The dumps the checks look at, by number, with the text the scripts
+    // pair with each.
+    QList<qint16> numbers = CheckedDumps(doc);
+    std::sort(numbers.begin(), numbers.end());
     const DumpReferences refs = ReferencedDumpsOf(doc);
-    QMap<qint16, QString> referenced; // by number
-    for (qsizetype i = 0; i < refs.numbers.size(); ++i)
-        if (refs.numbers[i] != 0)
-            referenced.insert(refs.numbers[i], refs.texts.value(i));
-    for (auto it = referenced.cbegin(); it != referenced.cend(); ++it)
-        report.dumps.append(dumpOf(doc, it.key(), it.value()));
+    for (const qint16 number : numbers)
+        report.dumps.append(dumpOf(doc, number, refs.texts.value(refs.numbers.indexOf(number))));
 
     // Each problem goes to the field it names; the rest to the overview.
     for (const Problem& p : problems) {

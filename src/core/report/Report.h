@@ -55,13 +55,14 @@ struct ReportDump {
 struct MappingReport {
     QString table;             // the document's table name, trailing blanks cut
     QStringList sourceTables;  // the listed source tables, in list order
-    QList<ReportDump> dumps;   // the referenced dumps, by number
+    QList<ReportDump> dumps;   // the dumps the checks look at, by number
     QList<Problem> otherProblems; // problems outside the referenced dumps' fields
 };
 
 // Gathers the report of a document whose table name is set. Runs the checks
-// (CheckMapping) and works out the referenced dumps as the next read of the
-// document does; the document's own script lists stay as they were.
+// (CheckMapping) and covers the dumps they look at (CheckedDumps): those the
+// scripts reference that the document holds. The document's own script
+// lists stay as they were.
 MappingReport BuildReport(MappingDocument& doc);
 
 QString RenderReport(const MappingReport& report, ReportFormat format);
