@@ -1,0 +1,94 @@
+#include "SuggestDocument.h"
+
+#include "core/document/FieldDefinition.h"
+#include "core/document/MappingDocument.h"
+
+#include <QHash>
+#include <QSet>
+
+namespace fb {
+
+namespace {
+
+QList<SuggestField> fieldsOf(const Node& table)
+{
+    QList<SuggestField> out;
+    const QString name = table.name();
+    const QString description = TableDescription(table);
+    for (Node f = table.firstChildElement(); f; f = f.nextSiblingElement())
+        out.append(SuggestField::FromDefinition(name, FieldDefinition::Read(f), description));
+    return out;
+}
+
+// The share of the document's target tables that hold each target field's
+// name: keys that join the tables (person_id in every table) pair with the
+// source side's keys.
+void setKeyShares(MappingDocument& doc, QList<DumpTargetFields>& dumps)
+{
+    QList<SuggestField> all;
+    QSet<QString> seen;
+    const QStringList tables = doc.HasMscript() ? doc.MscriptTables() : QStringList{doc.TableName().trimmed()};
+    for (const QString& t : tables) {
+        const Node table = doc.GetTargetTableDefinition(t);
+        if (table && !seen.contains(t.toLower())) {
+            seen.insert(t.toLower());
+            all.append(fieldsOf(table));
+        }
+    }
+    const std::vector<double> shares = SharedNameShares(all);
+    QHash<QString, double> shareOf;
+    for (qsizetype i = 0; i < all.size(); ++i)
+        shareOf.insert(all[i].qualifiedName(), shares[size_t(i)]);
+    for (DumpTargetFields& d : dumps)
+        for (SuggestField& f : d.fields)
+            f.keyShare = shareOf.value(f.qualifiedName());
+}
+
+} // namespace
+
+QList<SuggestField> ListedSourceFields(MappingDocument& doc)
+{
+    QList<SuggestField> out;
+    for (const Node& table : doc.ListedSourceTables())
+        out.append(fieldsOf(table));
+    return out;
+}
+
+QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter)
+{
+    QList<DumpTargetFields> out;
+    for (const Node& dump : doc.DumpNodes()) {
+        const std::optional<qint16> number = MappingDocument::ElementNo(dump);
+        if (!number || *number <= 0 || (dumpFilter != 0 && *number != dumpFilter))
+            continue;
+        DumpTargetFields d;
+        d.dump = *number;
+        if (const Node table = doc.GetTargetTableNode(d.dump)) {
+            d.targetTable = table.name().toLower();
+            d.fields = fieldsOf(table);
+        } else {
+            d.targetTable = MappingDocument::DumpTargetTable(dump).toLower();
+        }
+        out.append(d);
+    }
+    setKeyShares(doc, out);
+    return out;
+}
+
+DocumentSuggestions SuggestForDocument(MappingDocument& doc, qint16 dumpFilter, const SuggestOptions& options)
+{
+    DocumentSuggestions out;
+    const SuggestionEngine engine(ListedSourceFields(doc));
+    for (DumpTargetFields& d : DumpTargets(doc, dumpFilter)) {
+        DumpSuggestions s;
+        s.dump = d.dump;
+        s.targetTable = d.targetTable;
+        s.candidates = engine.Suggest(d.fields, options);
+        s.targets = std::move(d.fields);
+        out.dumps.append(std::move(s));
+    }
+    out.sources = engine.sources();
+    return out;
+}
+
+} // namespace fb

@@ -1,0 +1,378 @@
+#include "SuggestIndex_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fb {
+
+using namespace suggest;
+
+namespace {
+
+bool isShortFormCandidate(const QString& term)
+{
+    const SuggestWords& w = SuggestWords::Instance();
+    return term.size() >= 3 && !term[0].isDigit() && !w.IsKnownWord(term) && !w.Expansion(term);
+}
+
+bool isSubsequence(const QString& shortWord, const QString& longWord)
+{
+    qsizetype j = 0;
+    for (qsizetype i = 0; i < longWord.size() && j < shortWord.size(); ++i)
+        if (longWord[i] == shortWord[j])
+            ++j;
+    return j == shortWord.size();
+}
+
+QList<QString> trigramsOf(const QString& term)
+{
+    const QString padded = u'#' + term + u'#';
+    QList<QString> out;
+    for (qsizetype i = 0; i + 3 <= padded.size(); ++i)
+        out.append(padded.mid(i, 3));
+    std::sort(out.begin(), out.end());
+    out.erase(std::unique(out.begin(), out.end()), out.end());
+    return out;
+}
+
+// Similarity of two different terms by their letters: a guessed short form
+// (a prefix or the consonants of the longer word) or a close spelling.
+TermLink spellingLink(const QString& a, const QString& b)
+{
+    const QString& s = a.size() <= b.size() ? a : b;
+    const QString& l = a.size() <= b.size() ? b : a;
+    TermLink best;
+    const auto offer = [&](double sim, Match kind) {
+        if (sim > best.sim) {
+            best.sim = sim;
+            best.kind = kind;
+        }
+    };
+    if (s.size() < l.size() && isShortFormCandidate(s)) {
+        // A guessed short form alone stays below acceptance: other words of
+        // the names must confirm it.
+        if (l.startsWith(s))
+            offer(0.3 + 0.45 * double(s.size()) / double(l.size()), Match::ShortForm);
+        else if (s[0] == l[0] && s.size() <= 6 && l.size() >= s.size() + 2 && isSubsequence(s, l))
+            offer(0.45, Match::ShortForm);
+    }
+    qsizetype common = 0;
+    while (common < s.size() && s[common] == l[common])
+        ++common;
+    if (common >= 7 && common + 1 >= s.size())
+        offer(0.9 * double(common) / double(l.size()), Match::Spelling);
+    return best;
+}
+
+} // namespace
+
+namespace suggest {
+
+double idf(double n, double df)
+{
+    return std::max(0.05, std::log((n + 1.0) / (df + 0.5)));
+}
+
+QString initials(const QList<NameWord>& words, qsizetype from, qsizetype to)
+{
+    QString out;
+    for (qsizetype i = from; i < to; ++i)
+        out += words[i].surface[0];
+    return out;
+}
+
+QStringList nameInitialisms(const QList<NameWord>& words)
+{
+    QStringList out;
+    QList<NameWord> content, all;
+    for (const NameWord& w : words) {
+        if (w.digits)
+            continue;
+        all.append(w);
+        if (!w.stop && w.factor >= 1.0)
+            content.append(w);
+    }
+    for (qsizetype len = 2; len <= 5; ++len)
+        for (qsizetype from = 0; from + len <= content.size(); ++from)
+            out.append(initials(content, from, from + len));
+    // With the letters of the small words inside (uom: unit of measure).
+    for (qsizetype len = 3; len <= 5; ++len)
+        for (qsizetype from = 0; from + len <= all.size(); ++from)
+            if (!all[from].stop && !all[from + len - 1].stop)
+                for (qsizetype k = from + 1; k < from + len - 1; ++k)
+                    if (all[k].stop) {
+                        out.append(initials(all, from, from + len));
+                        break;
+                    }
+    return out;
+}
+
+
+} // namespace suggest
+
+int SuggestionEngine::Index::termOf(const QString& t)
+{
+    const auto it = termIds.constFind(t);
+    if (it != termIds.cend())
+        return *it;
+    const int id = int(terms.size());
+    termIds.insert(t, id);
+    terms.push_back(t);
+    namePostings.emplace_back();
+    descPostings.emplace_back();
+    return id;
+}
+
+void SuggestionEngine::Index::build()
+{
+    QHash<QString, QList<NameWord>> contexts;
+    QHash<QString, int> tables;
+    const int n = int(sources.size());
+    names.reserve(size_t(n));
+    for (int i = 0; i < n; ++i) {
+        const SuggestField& f = sources[i];
+        auto ctx = contexts.constFind(f.tableDescription);
+        if (ctx == contexts.cend())
+            ctx = contexts.insert(f.tableDescription, AnalyseText(f.tableDescription));
+        tableOf.push_back(*tables.insert(f.table, tables.value(f.table, int(tables.size()))));
+        AnalysedName name = AnalyseName(f.name, *ctx);
+        if (name.arrayIndex > 0)
+            name.words.append({QString::number(name.arrayIndex), QString::number(name.arrayIndex), WordLink::Same, 0.5, true});
+        std::vector<int> ids;
+        for (const NameWord& w : name.words) {
+            const int id = termOf(w.term);
+            ids.push_back(id);
+            if (namePostings[id].empty() || namePostings[id].back() != i)
+                namePostings[id].push_back(i);
+        }
+        nameTerms.push_back(std::move(ids));
+        for (const QString& ini : nameInitialisms(name.words)) {
+            std::vector<int>& p = initialPostings[ini];
+            if (p.empty() || p.back() != i)
+                p.push_back(i);
+        }
+        names.push_back(std::move(name));
+        QList<NameWord> desc = AnalyseText(f.description);
+        ids.clear();
+        for (const NameWord& w : desc) {
+            const int id = termOf(w.term);
+            ids.push_back(id);
+            if (descPostings[id].empty() || descPostings[id].back() != i)
+                descPostings[id].push_back(i);
+        }
+        descTerms.push_back(std::move(ids));
+        descriptions.push_back(std::move(desc));
+    }
+    tableCount = int(tables.size());
+    keyShare = SharedNameShares(sources);
+    trigramCounts.assign(terms.size(), 0);
+    for (int id = 0; id < int(terms.size()); ++id) {
+        const QString& t = terms[size_t(id)];
+        sortedTerms.emplace_back(t, id);
+        if (t[0].isDigit())
+            continue;
+        if (t.size() >= 4) {
+            const QList<QString> grams = trigramsOf(t);
+            trigramCounts[size_t(id)] = int(grams.size());
+            for (const QString& g : grams)
+                trigramTerms[g].push_back(id);
+        }
+        if (isShortFormCandidate(t) && t.size() <= 6)
+            shortTermsByLetter[t[0]].push_back(id);
+    }
+    std::sort(sortedTerms.begin(), sortedTerms.end());
+}
+
+std::vector<TermLink> SuggestionEngine::Index::similarTerms(const QString& t) const
+{
+    std::vector<TermLink> out;
+    const auto add = [&](int term, double sim, Match kind) {
+        if (term >= 0 && sim > 0)
+            out.push_back({term, sim, kind});
+    };
+    add(termIds.value(t, -1), 1.0, Match::Exact);
+    if (t.isEmpty() || t[0].isDigit())
+        return out;
+    const SuggestWords& vocab = SuggestWords::Instance();
+    for (const QString& r : vocab.RelatedWords(t))
+        add(termIds.value(r, -1), vocab.Relatedness(t, r), Match::Related);
+    const auto offer = [&](int term) {
+        if (terms[size_t(term)] != t) {
+            const TermLink l = spellingLink(t, terms[size_t(term)]);
+            add(term, l.sim, l.kind);
+        }
+    };
+    const auto firstWith = [this](const QString& key) {
+        return std::lower_bound(sortedTerms.cbegin(), sortedTerms.cend(), key,
+                                [](const auto& e, const QString& k) { return e.first < k; });
+    };
+    if (t.size() >= 3) {
+        // Source terms that share the first letters (up to five) of this one.
+        const QString key = t.left(5);
+        for (auto it = firstWith(key); it != sortedTerms.cend() && it->first.startsWith(key); ++it)
+            offer(it->second);
+        // Shorter source terms that begin this one.
+        for (qsizetype k = 3; k < std::min<qsizetype>(t.size(), 5); ++k)
+            if (const int term = termIds.value(t.left(k), -1); term >= 0)
+                offer(term);
+    }
+    // Short forms made of some of the letters, either way round.
+    if (const auto bucket = shortTermsByLetter.constFind(t[0]); bucket != shortTermsByLetter.cend())
+        for (int term : *bucket)
+            if (terms[size_t(term)].size() + 2 <= t.size())
+                offer(term);
+    if (isShortFormCandidate(t) && t.size() <= 6) {
+        for (auto it = firstWith(QString(t[0])); it != sortedTerms.cend() && it->first[0] == t[0]; ++it)
+            if (it->first.size() >= t.size() + 2)
+                offer(it->second);
+    }
+    // Close spellings by shared trigrams.
+    if (t.size() >= 4) {
+        const QList<QString> grams = trigramsOf(t);
+        QHash<int, int> shared;
+        for (const QString& g : grams)
+            if (const auto it = trigramTerms.constFind(g); it != trigramTerms.cend())
+                for (int term : *it)
+                    ++shared[term];
+        for (auto it = shared.cbegin(); it != shared.cend(); ++it) {
+            const double dice = 2.0 * it.value() / double(grams.size() + trigramCounts[size_t(it.key())]);
+            if (dice >= 0.7 && terms[size_t(it.key())] != t)
+                add(it.key(), 0.9 * dice, Match::Spelling);
+        }
+    }
+    std::sort(out.begin(), out.end(), [](const TermLink& a, const TermLink& b) {
+        return a.term != b.term ? a.term < b.term : a.sim > b.sim;
+    });
+    out.erase(std::unique(out.begin(), out.end(), [](const TermLink& a, const TermLink& b) { return a.term == b.term; }),
+              out.end());
+    return out;
+}
+
+Alignment SuggestionEngine::Index::align(const Words& t, const Words& s) const
+{
+    const QList<NameWord>& tw = *t.words;
+    const QList<NameWord>& sw = *s.words;
+    const int n = int(tw.size());
+    const int m = int(sw.size());
+    struct Pair {
+        int i, j;
+        double sim, weight;
+        Match kind;
+    };
+    std::vector<Pair> pairs;
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < m; ++j) {
+            double sim = 0;
+            Match kind = Match::None;
+            if (tw[i].stop || sw[j].stop)
+                continue;
+            if (t.terms[i] >= 0 && t.terms[i] == s.terms[j]) {
+                if (tw[i].surface == sw[j].surface) {
+                    sim = 1.0, kind = Match::Exact;
+                } else if (tw[i].link == WordLink::Synonym || sw[j].link == WordLink::Synonym) {
+                    sim = 0.85, kind = Match::Synonym;
+                } else if (tw[i].link == WordLink::Abbreviation || sw[j].link == WordLink::Abbreviation) {
+                    sim = 0.95, kind = Match::Abbreviation;
+                } else {
+                    sim = 0.97, kind = Match::Inflection;
+                }
+            } else if (!tw[i].digits && !sw[j].digits && t.links[size_t(i)]) {
+                const std::vector<TermLink>& links = *t.links[size_t(i)];
+                const auto it = std::lower_bound(links.cbegin(), links.cend(), s.terms[j],
+                                                 [](const TermLink& l, int term) { return l.term < term; });
+                if (it != links.cend() && it->term == s.terms[j])
+                    sim = it->sim, kind = it->kind;
+            }
+            if (sim > 0)
+                pairs.push_back({i, j, sim, t.weights[size_t(i)] + s.weights[size_t(j)], kind});
+        }
+    }
+    std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) {
+        if (a.sim != b.sim)
+            return a.sim > b.sim;
+        if (a.weight != b.weight)
+            return a.weight > b.weight;
+        return a.i != b.i ? a.i < b.i : a.j < b.j;
+    });
+    std::vector<double> tGot(size_t(n), 0.0);
+    std::vector<double> sGot(size_t(m), 0.0);
+    Alignment out;
+    // Word pairs at least this alike are taken before compounds and
+    // initialisms, weaker ones after: followup is follow+up, not a spelling
+    // of follow.
+    const auto takePairs = [&](double from, double to) {
+        for (const Pair& p : pairs) {
+            if (p.sim < from || p.sim >= to || tGot[size_t(p.i)] > 0 || sGot[size_t(p.j)] > 0)
+                continue;
+            tGot[size_t(p.i)] = sGot[size_t(p.j)] = p.sim;
+            out.matches.append({p.i, p.i + 1, p.j, p.j + 1, p.sim, p.kind});
+        }
+    };
+    constexpr double kFirm = 0.95;
+    takePairs(kFirm, 2.0);
+    // One word against a run of free words on the other side: an initialism
+    // (uom ~ unit of measure) or a compound (followup ~ follow up).
+    const auto spans = [&](const QList<NameWord>& one, std::vector<double>& oneGot, const QList<NameWord>& run,
+                           std::vector<double>& runGot, bool targetIsOne) {
+        for (int i = 0; i < int(one.size()); ++i) {
+            if (oneGot[size_t(i)] > 0 || one[i].digits || one[i].stop)
+                continue;
+            const QString& word = one[i].surface;
+            for (int len = 2; len <= 5 && oneGot[size_t(i)] == 0; ++len) {
+                for (int j = 0; j + len <= int(run.size()); ++j) {
+                    bool free = !run[j].stop && !run[j + len - 1].stop;
+                    QString joined;
+                    for (int k = j; k < j + len; ++k) {
+                        free = free && runGot[size_t(k)] == 0 && !run[k].digits;
+                        joined += run[k].surface;
+                    }
+                    if (!free)
+                        continue;
+                    Match kind = Match::None;
+                    double sim = 0;
+                    // Two letters stand for many pairs of words: a weak hint.
+                    QString content;
+                    for (int k = j; k < j + len; ++k)
+                        if (!run[k].stop)
+                            content += run[k].surface[0];
+                    const QString letters = initials(run, j, j + len);
+                    if (!one[i].known && (word == letters || (content.size() >= 2 && word == content)))
+                        kind = Match::Initialism, sim = word.size() == 2 ? 0.45 : word.size() == 3 ? 0.7 : 0.85;
+                    else if (len <= 3 && word.size() >= 5 && word == joined)
+                        kind = Match::Compound, sim = 0.95;
+                    if (kind == Match::None)
+                        continue;
+                    oneGot[size_t(i)] = sim;
+                    for (int k = j; k < j + len; ++k)
+                        runGot[size_t(k)] = sim;
+                    out.matches.append(targetIsOne ? WordMatch{i, i + 1, j, j + len, sim, kind}
+                                                   : WordMatch{j, j + len, i, i + 1, sim, kind});
+                    break;
+                }
+            }
+        }
+    };
+    spans(tw, tGot, sw, sGot, true);
+    spans(sw, sGot, tw, tGot, false);
+    takePairs(0.0, kFirm);
+    const auto coverage = [](const std::vector<double>& got, const std::vector<double>& weights) {
+        double all = 0, covered = 0;
+        for (size_t k = 0; k < got.size(); ++k) {
+            all += weights[k];
+            covered += weights[k] * got[k];
+        }
+        return all > 0 ? covered / all : 0.0;
+    };
+    const SuggestWords& vocab = SuggestWords::Instance();
+    for (const WordMatch& wm : out.matches)
+        out.subject = out.subject || wm.tEnd - wm.t > 1 || wm.sEnd - wm.s > 1 ||
+                      (!tw[wm.t].digits && tw[wm.t].factor >= 1.0 && !vocab.IsClassWord(tw[wm.t].term));
+    const double ct = coverage(tGot, t.weights);
+    const double cs = coverage(sGot, s.weights);
+    out.score = ct > 0 && cs > 0 ? 2 * ct * cs / (ct + cs) : 0.0;
+    std::sort(out.matches.begin(), out.matches.end(),
+              [](const WordMatch& a, const WordMatch& b) { return a.t != b.t ? a.t < b.t : a.s < b.s; });
+    return out;
+}
+
+} // namespace fb
