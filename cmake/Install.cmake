@@ -4,6 +4,7 @@
 #   lib/cmake/VelkPrjFieldbridge/                 find_package(VelkPrjFieldbridge)
 #   lib/qt6/plugins/designer/                     the Designer plugin (FIELDBRIDGE_DESIGNER_PLUGIN_DIR)
 #   bin/fieldbridge-host                          the host application
+#   bin/fieldbridge                               the headless tool
 #   share/VelkPrjFieldbridge/examples/            the sample mapping objects
 # Installed programs and the plugin find the library through a relative RPATH,
 # so the tree works wherever it is put.
@@ -55,4 +56,8 @@ endif()
 if(TARGET fieldbridge-host)
     fieldbridge_relative_rpath(fieldbridge-host "${CMAKE_INSTALL_BINDIR}")
     install(TARGETS fieldbridge-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+endif()
+
+if(TARGET fieldbridge)
+    install(TARGETS fieldbridge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endif()

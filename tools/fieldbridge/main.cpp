@@ -1,0 +1,97 @@
+// fieldbridge: the headless tool over the mapping-object core. The first
+// argument names the command; the command parses the rest.
+#include "Command.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace fbtool {
+
+void PrintError(const QString& command, const QString& message)
+{
+    QString line = message;
+    line.replace(u'\r', u' ');
+    line.replace(u'\n', u' ');
+    const QString prefix = command.isEmpty() ? QStringLiteral("fieldbridge") : QStringLiteral("fieldbridge ") + command;
+    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(prefix), qUtf8Printable(line));
+}
+
+void PrintOut(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    std::fwrite(utf8.constData(), 1, size_t(utf8.size()), stdout);
+}
+
+std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
+                                  const QString& help)
+{
+    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("This text."));
+    parser.addOption(helpOption);
+    // The parser takes the first argument for the program's name.
+    if (!parser.parse(QStringList{QStringLiteral("fieldbridge")} + arguments)) {
+        PrintError(command, parser.errorText() + QStringLiteral(" (see fieldbridge %1 --help)").arg(command));
+        return Unreadable;
+    }
+    if (parser.isSet(helpOption)) {
+        PrintOut(help);
+        return Success;
+    }
+    return std::nullopt;
+}
+
+} // namespace fbtool
+
+namespace {
+
+QString overview()
+{
+    QString text = QStringLiteral("Usage: fieldbridge COMMAND [OPTIONS] FILE\n\n"
+                                  "Works on mapping objects without a display. Commands:\n");
+    for (const fbtool::Command& c : fbtool::Commands())
+        text += QStringLiteral("  %1  %2\n").arg(QString::fromLatin1(c.name).leftJustified(10), QString::fromLatin1(c.summary));
+    text += QStringLiteral("\n`fieldbridge COMMAND --help` describes a command.\n"
+                           "Exit status: 0 done, 1 the command found a problem it reports, 2 the file is not a\n"
+                           "mapping object or the command line is wrong.\n");
+    return text;
+}
+
+const fbtool::Command* find(const QString& name)
+{
+    for (const fbtool::Command& c : fbtool::Commands())
+        if (name == QLatin1String(c.name))
+            return &c;
+    return nullptr;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("fieldbridge"));
+    const QStringList args = QCoreApplication::arguments().mid(1);
+    const QString first = args.value(0);
+    if (first == u"-h" || first == u"--help" || (first == u"help" && args.size() == 1)) {
+        fbtool::PrintOut(overview());
+        return fbtool::Success;
+    }
+    if (first == u"--version") {
+        fbtool::PrintOut(QStringLiteral("fieldbridge %1\n").arg(QStringLiteral(FIELDBRIDGE_VERSION)));
+        return fbtool::Success;
+    }
+    if (first.isEmpty()) {
+        fbtool::PrintError({}, QStringLiteral("no command given (fieldbridge --help lists them)"));
+        return fbtool::Unreadable;
+    }
+    // "help COMMAND" is "COMMAND --help".
+    const bool helpOf = first == u"help";
+    const QString name = helpOf ? args[1] : first;
+    const fbtool::Command* command = find(name);
+    if (!command) {
+        fbtool::PrintError({}, QStringLiteral("unknown command '%1' (fieldbridge --help lists them)").arg(name));
+        return fbtool::Unreadable;
+    }
+    return command->run(helpOf ? QStringList{QStringLiteral("--help")} : args.mid(1));
+}
