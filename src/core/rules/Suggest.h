@@ -72,7 +72,9 @@ std::vector<double> SharedNameShares(const QList<SuggestField>& fields);
 // the candidates that the index yields for each target field.
 class SuggestionEngine {
 public:
-    explicit SuggestionEngine(QList<SuggestField> sources);
+    // targetNames: the names of the target fields to come (all of the
+    // document's), whose words help take run-together names apart.
+    explicit SuggestionEngine(QList<SuggestField> sources, const QStringList& targetNames = {});
     ~SuggestionEngine();
     SuggestionEngine(const SuggestionEngine&) = delete;
     SuggestionEngine& operator=(const SuggestionEngine&) = delete;
@@ -85,8 +87,9 @@ public:
     QList<QList<SuggestedSource>> Suggest(const QList<SuggestField>& targets,
                                           const SuggestOptions& options = {}) const;
 
+    struct Index; // the engine's insides, in SuggestIndex_p.h
+
 private:
-    struct Index;
     std::unique_ptr<Index> d;
 };
 

@@ -20,10 +20,8 @@ QList<SuggestField> fieldsOf(const Node& table)
     return out;
 }
 
-// The share of the document's target tables that hold each target field's
-// name: keys that join the tables (person_id in every table) pair with the
-// source side's keys.
-void setKeyShares(MappingDocument& doc, QList<DumpTargetFields>& dumps)
+// The fields of every target table of the document, each table once.
+QList<SuggestField> allTargetFields(MappingDocument& doc)
 {
     QList<SuggestField> all;
     QSet<QString> seen;
@@ -35,6 +33,14 @@ void setKeyShares(MappingDocument& doc, QList<DumpTargetFields>& dumps)
             all.append(fieldsOf(table));
         }
     }
+    return all;
+}
+
+// The share of the document's target tables that hold each target field's
+// name: keys that join the tables (person_id in every table) pair with the
+// source side's keys.
+void setKeyShares(const QList<SuggestField>& all, QList<DumpTargetFields>& dumps)
+{
     const std::vector<double> shares = SharedNameShares(all);
     QHash<QString, double> shareOf;
     for (qsizetype i = 0; i < all.size(); ++i)
@@ -44,17 +50,7 @@ void setKeyShares(MappingDocument& doc, QList<DumpTargetFields>& dumps)
             f.keyShare = shareOf.value(f.qualifiedName());
 }
 
-} // namespace
-
-QList<SuggestField> ListedSourceFields(MappingDocument& doc)
-{
-    QList<SuggestField> out;
-    for (const Node& table : doc.ListedSourceTables())
-        out.append(fieldsOf(table));
-    return out;
-}
-
-QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter)
+QList<DumpTargetFields> dumpTargets(MappingDocument& doc, qint16 dumpFilter, const QList<SuggestField>& all)
 {
     QList<DumpTargetFields> out;
     for (const Node& dump : doc.DumpNodes()) {
@@ -71,15 +67,36 @@ QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter)
         }
         out.append(d);
     }
-    setKeyShares(doc, out);
+    setKeyShares(all, out);
     return out;
+}
+
+} // namespace
+
+QList<SuggestField> ListedSourceFields(MappingDocument& doc)
+{
+    QList<SuggestField> out;
+    for (const Node& table : doc.ListedSourceTables())
+        out.append(fieldsOf(table));
+    return out;
+}
+
+QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter)
+{
+    return dumpTargets(doc, dumpFilter, allTargetFields(doc));
 }
 
 DocumentSuggestions SuggestForDocument(MappingDocument& doc, qint16 dumpFilter, const SuggestOptions& options)
 {
     DocumentSuggestions out;
-    const SuggestionEngine engine(ListedSourceFields(doc));
-    for (DumpTargetFields& d : DumpTargets(doc, dumpFilter)) {
+    // The words of every target table help take the names apart, whichever
+    // dumps are asked for: a dump gets the same answer alone or with others.
+    const QList<SuggestField> allTargets = allTargetFields(doc);
+    QStringList targetNames;
+    for (const SuggestField& f : allTargets)
+        targetNames.append(f.name);
+    const SuggestionEngine engine(ListedSourceFields(doc), targetNames);
+    for (DumpTargetFields& d : dumpTargets(doc, dumpFilter, allTargets)) {
         DumpSuggestions s;
         s.dump = d.dump;
         s.targetTable = d.targetTable;

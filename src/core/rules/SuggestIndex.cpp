@@ -120,49 +120,80 @@ int SuggestionEngine::Index::termOf(const QString& t)
     terms.push_back(t);
     namePostings.emplace_back();
     descPostings.emplace_back();
+    nameDf.push_back(0);
+    descDf.push_back(0);
     return id;
 }
 
+namespace {
+
+// The entry of a distinct text, created with its term ids on first sight.
+template <typename TermOf>
+int entryOf(std::vector<SuggestionEngine::Index::Entry>& entries, QHash<const void*, int>& byWords,
+            const QList<NameWord>& words, const TermOf& termOf)
+{
+    const auto it = byWords.constFind(&words);
+    if (it != byWords.cend())
+        return *it;
+    SuggestionEngine::Index::Entry e;
+    e.words = &words;
+    for (const NameWord& w : words)
+        e.terms.push_back(termOf(w.term));
+    entries.push_back(std::move(e));
+    byWords.insert(&words, int(entries.size()) - 1);
+    return int(entries.size()) - 1;
+}
+
+// Postings of each term of the entries, and how many fields hold it.
+void post(const std::vector<SuggestionEngine::Index::Entry>& entries, std::vector<std::vector<int>>& postings,
+          std::vector<int>& df)
+{
+    for (int e = 0; e < int(entries.size()); ++e) {
+        for (int term : entries[size_t(e)].terms) {
+            std::vector<int>& p = postings[size_t(term)];
+            if (!p.empty() && p.back() == e)
+                continue; // a word twice in one text
+            p.push_back(e);
+            df[size_t(term)] += int(entries[size_t(e)].sources.size());
+        }
+    }
+}
+
+} // namespace
+
 void SuggestionEngine::Index::build()
 {
-    QHash<QString, QList<NameWord>> contexts;
+    // The analyser hands out one object per distinct text: its address keys
+    // the entries.
+    QHash<const void*, int> nameEntries, descEntries;
     QHash<QString, int> tables;
     const int n = int(sources.size());
-    names.reserve(size_t(n));
+    const auto term = [this](const QString& t) { return termOf(t); };
     for (int i = 0; i < n; ++i) {
         const SuggestField& f = sources[i];
-        auto ctx = contexts.constFind(f.tableDescription);
-        if (ctx == contexts.cend())
-            ctx = contexts.insert(f.tableDescription, AnalyseText(f.tableDescription));
         tableOf.push_back(*tables.insert(f.table, tables.value(f.table, int(tables.size()))));
-        AnalysedName name = AnalyseName(f.name, *ctx);
-        if (name.arrayIndex > 0)
-            name.words.append({QString::number(name.arrayIndex), QString::number(name.arrayIndex), WordLink::Same, 0.5, true});
-        std::vector<int> ids;
-        for (const NameWord& w : name.words) {
-            const int id = termOf(w.term);
-            ids.push_back(id);
-            if (namePostings[id].empty() || namePostings[id].back() != i)
-                namePostings[id].push_back(i);
+        const AnalysedName& name = analyser.AnalyseName(f.name, f.tableDescription);
+        const int e = entryOf(names, nameEntries, name.words, term);
+        names[size_t(e)].name = &name;
+        names[size_t(e)].sources.push_back(i);
+        nameOf.push_back(e);
+        const QList<NameWord>& desc = analyser.AnalyseText(f.description);
+        if (desc.isEmpty()) {
+            descOf.push_back(-1);
+            continue;
         }
-        nameTerms.push_back(std::move(ids));
-        for (const QString& ini : nameInitialisms(name.words)) {
-            std::vector<int>& p = initialPostings[ini];
-            if (p.empty() || p.back() != i)
-                p.push_back(i);
-        }
-        names.push_back(std::move(name));
-        QList<NameWord> desc = AnalyseText(f.description);
-        ids.clear();
-        for (const NameWord& w : desc) {
-            const int id = termOf(w.term);
-            ids.push_back(id);
-            if (descPostings[id].empty() || descPostings[id].back() != i)
-                descPostings[id].push_back(i);
-        }
-        descTerms.push_back(std::move(ids));
-        descriptions.push_back(std::move(desc));
+        const int d = entryOf(descriptions, descEntries, desc, term);
+        descriptions[size_t(d)].sources.push_back(i);
+        descOf.push_back(d);
     }
+    post(names, namePostings, nameDf);
+    post(descriptions, descPostings, descDf);
+    for (int e = 0; e < int(names.size()); ++e)
+        for (const QString& ini : nameInitialisms(*names[size_t(e)].words)) {
+            std::vector<int>& p = initialPostings[ini];
+            if (p.empty() || p.back() != e)
+                p.push_back(e);
+        }
     tableCount = int(tables.size());
     keyShare = SharedNameShares(sources);
     trigramCounts.assign(terms.size(), 0);
@@ -248,34 +279,77 @@ std::vector<TermLink> SuggestionEngine::Index::similarTerms(const QString& t) co
     return out;
 }
 
-Alignment SuggestionEngine::Index::align(const Words& t, const Words& s) const
+namespace {
+
+// How a run of words [from, to) spells one word: its initials (all of them,
+// or those of the words that are not stop words: uom = unit of measure), or
+// its words written as one (followup = follow up).
+Match spelledBy(const NameWord& one, const QList<NameWord>& run, int from, int to)
+{
+    const QString& word = one.surface;
+    if (!one.known && word.size() <= to - from) {
+        bool all = word.size() == to - from;
+        int content = 0;
+        bool contentFits = true;
+        for (int k = from; k < to; ++k) {
+            const QChar first = run[k].surface[0];
+            all = all && word[k - from] == first;
+            if (!run[k].stop) {
+                contentFits = contentFits && content < word.size() && word[content] == first;
+                ++content;
+            }
+        }
+        if (all || (contentFits && content >= 2 && content == word.size()))
+            return Match::Initialism;
+    }
+    if (to - from <= 3 && word.size() >= 5) {
+        qsizetype at = 0;
+        for (int k = from; k < to; ++k) {
+            const QString& piece = run[k].surface;
+            if (QStringView(word).mid(at, piece.size()) != piece)
+                return Match::None;
+            at += piece.size();
+        }
+        if (at == word.size())
+            return Match::Compound;
+    }
+    return Match::None;
+}
+
+} // namespace
+
+// Word pairs first (the firm ones, then spans, then the weaker pairs), each
+// word used once; the score weighs what each side got by its words' weights.
+// Long: the three passes share their bookkeeping.
+Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords& s,
+                                         const std::vector<double>& termWeights, AlignScratch& x,
+                                         bool withMatches) const
 {
     const QList<NameWord>& tw = *t.words;
     const QList<NameWord>& sw = *s.words;
     const int n = int(tw.size());
     const int m = int(sw.size());
-    struct Pair {
-        int i, j;
-        double sim, weight;
-        Match kind;
-    };
-    std::vector<Pair> pairs;
+    x.pairs.clear();
+    x.sWeights.resize(size_t(m));
+    for (int j = 0; j < m; ++j)
+        x.sWeights[size_t(j)] = sw[j].factor * termWeights[size_t(s.terms[j])];
     for (int i = 0; i < n; ++i) {
+        if (tw[i].stop)
+            continue;
         for (int j = 0; j < m; ++j) {
+            if (sw[j].stop)
+                continue;
             double sim = 0;
             Match kind = Match::None;
-            if (tw[i].stop || sw[j].stop)
-                continue;
-            if (t.terms[i] >= 0 && t.terms[i] == s.terms[j]) {
-                if (tw[i].surface == sw[j].surface) {
+            if (t.terms[size_t(i)] >= 0 && t.terms[size_t(i)] == s.terms[j]) {
+                if (tw[i].surface == sw[j].surface)
                     sim = 1.0, kind = Match::Exact;
-                } else if (tw[i].link == WordLink::Synonym || sw[j].link == WordLink::Synonym) {
+                else if (tw[i].link == WordLink::Synonym || sw[j].link == WordLink::Synonym)
                     sim = 0.85, kind = Match::Synonym;
-                } else if (tw[i].link == WordLink::Abbreviation || sw[j].link == WordLink::Abbreviation) {
+                else if (tw[i].link == WordLink::Abbreviation || sw[j].link == WordLink::Abbreviation)
                     sim = 0.95, kind = Match::Abbreviation;
-                } else {
+                else
                     sim = 0.97, kind = Match::Inflection;
-                }
             } else if (!tw[i].digits && !sw[j].digits && t.links[size_t(i)]) {
                 const std::vector<TermLink>& links = *t.links[size_t(i)];
                 const auto it = std::lower_bound(links.cbegin(), links.cend(), s.terms[j],
@@ -284,28 +358,35 @@ Alignment SuggestionEngine::Index::align(const Words& t, const Words& s) const
                     sim = it->sim, kind = it->kind;
             }
             if (sim > 0)
-                pairs.push_back({i, j, sim, t.weights[size_t(i)] + s.weights[size_t(j)], kind});
+                x.pairs.push_back({i, j, sim, t.weights[size_t(i)] + x.sWeights[size_t(j)], kind});
         }
     }
-    std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) {
+    std::sort(x.pairs.begin(), x.pairs.end(), [](const AlignScratch::Pair& a, const AlignScratch::Pair& b) {
         if (a.sim != b.sim)
             return a.sim > b.sim;
         if (a.weight != b.weight)
             return a.weight > b.weight;
         return a.i != b.i ? a.i < b.i : a.j < b.j;
     });
-    std::vector<double> tGot(size_t(n), 0.0);
-    std::vector<double> sGot(size_t(m), 0.0);
+    x.tGot.assign(size_t(n), 0.0);
+    x.sGot.assign(size_t(m), 0.0);
     Alignment out;
+    const SuggestWords& vocab = SuggestWords::Instance();
+    const auto matched = [&](const WordMatch& wm) {
+        out.subject = out.subject || wm.tEnd - wm.t > 1 || wm.sEnd - wm.s > 1 ||
+                      (!tw[wm.t].digits && tw[wm.t].factor >= 1.0 && !vocab.IsClassWord(tw[wm.t].term));
+        if (withMatches)
+            out.matches.append(wm);
+    };
     // Word pairs at least this alike are taken before compounds and
     // initialisms, weaker ones after: followup is follow+up, not a spelling
     // of follow.
     const auto takePairs = [&](double from, double to) {
-        for (const Pair& p : pairs) {
-            if (p.sim < from || p.sim >= to || tGot[size_t(p.i)] > 0 || sGot[size_t(p.j)] > 0)
+        for (const AlignScratch::Pair& p : x.pairs) {
+            if (p.sim < from || p.sim >= to || x.tGot[size_t(p.i)] > 0 || x.sGot[size_t(p.j)] > 0)
                 continue;
-            tGot[size_t(p.i)] = sGot[size_t(p.j)] = p.sim;
-            out.matches.append({p.i, p.i + 1, p.j, p.j + 1, p.sim, p.kind});
+            x.tGot[size_t(p.i)] = x.sGot[size_t(p.j)] = p.sim;
+            matched({p.i, p.i + 1, p.j, p.j + 1, p.sim, p.kind});
         }
     };
     constexpr double kFirm = 0.95;
@@ -317,61 +398,45 @@ Alignment SuggestionEngine::Index::align(const Words& t, const Words& s) const
         for (int i = 0; i < int(one.size()); ++i) {
             if (oneGot[size_t(i)] > 0 || one[i].digits || one[i].stop)
                 continue;
-            const QString& word = one[i].surface;
             for (int len = 2; len <= 5 && oneGot[size_t(i)] == 0; ++len) {
                 for (int j = 0; j + len <= int(run.size()); ++j) {
                     bool free = !run[j].stop && !run[j + len - 1].stop;
-                    QString joined;
-                    for (int k = j; k < j + len; ++k) {
-                        free = free && runGot[size_t(k)] == 0 && !run[k].digits;
-                        joined += run[k].surface;
-                    }
-                    if (!free)
-                        continue;
-                    Match kind = Match::None;
-                    double sim = 0;
-                    // Two letters stand for many pairs of words: a weak hint.
-                    QString content;
-                    for (int k = j; k < j + len; ++k)
-                        if (!run[k].stop)
-                            content += run[k].surface[0];
-                    const QString letters = initials(run, j, j + len);
-                    if (!one[i].known && (word == letters || (content.size() >= 2 && word == content)))
-                        kind = Match::Initialism, sim = word.size() == 2 ? 0.45 : word.size() == 3 ? 0.7 : 0.85;
-                    else if (len <= 3 && word.size() >= 5 && word == joined)
-                        kind = Match::Compound, sim = 0.95;
+                    for (int k = j; k < j + len && free; ++k)
+                        free = runGot[size_t(k)] == 0 && !run[k].digits;
+                    const Match kind = free ? spelledBy(one[i], run, j, j + len) : Match::None;
                     if (kind == Match::None)
                         continue;
+                    // Two letters stand for many pairs of words: a weak hint.
+                    const qsizetype letters = one[i].surface.size();
+                    const double sim = kind == Match::Compound ? 0.95 : letters == 2 ? 0.45 : letters == 3 ? 0.7 : 0.85;
                     oneGot[size_t(i)] = sim;
                     for (int k = j; k < j + len; ++k)
                         runGot[size_t(k)] = sim;
-                    out.matches.append(targetIsOne ? WordMatch{i, i + 1, j, j + len, sim, kind}
-                                                   : WordMatch{j, j + len, i, i + 1, sim, kind});
+                    matched(targetIsOne ? WordMatch{i, i + 1, j, j + len, sim, kind}
+                                        : WordMatch{j, j + len, i, i + 1, sim, kind});
                     break;
                 }
             }
         }
     };
-    spans(tw, tGot, sw, sGot, true);
-    spans(sw, sGot, tw, tGot, false);
+    spans(tw, x.tGot, sw, x.sGot, true);
+    spans(sw, x.sGot, tw, x.tGot, false);
     takePairs(0.0, kFirm);
-    const auto coverage = [](const std::vector<double>& got, const std::vector<double>& weights) {
+    const auto coverage = [](const std::vector<double>& got, const auto& weight) {
         double all = 0, covered = 0;
         for (size_t k = 0; k < got.size(); ++k) {
-            all += weights[k];
-            covered += weights[k] * got[k];
+            all += weight(k);
+            covered += weight(k) * got[k];
         }
         return all > 0 ? covered / all : 0.0;
     };
-    const SuggestWords& vocab = SuggestWords::Instance();
-    for (const WordMatch& wm : out.matches)
-        out.subject = out.subject || wm.tEnd - wm.t > 1 || wm.sEnd - wm.s > 1 ||
-                      (!tw[wm.t].digits && tw[wm.t].factor >= 1.0 && !vocab.IsClassWord(tw[wm.t].term));
-    const double ct = coverage(tGot, t.weights);
-    const double cs = coverage(sGot, s.weights);
-    out.score = ct > 0 && cs > 0 ? 2 * ct * cs / (ct + cs) : 0.0;
-    std::sort(out.matches.begin(), out.matches.end(),
-              [](const WordMatch& a, const WordMatch& b) { return a.t != b.t ? a.t < b.t : a.s < b.s; });
+    const double ct = coverage(x.tGot, [&](size_t k) { return t.weights[k]; });
+    const double cs = coverage(x.sGot, [&](size_t k) { return x.sWeights[k]; });
+    const double ws = knob("ws", 1.0);
+    out.score = ct > 0 && cs > 0 ? (1 + ws) / (1 / ct + ws / cs) : 0.0;
+    if (withMatches)
+        std::sort(out.matches.begin(), out.matches.end(),
+                  [](const WordMatch& a, const WordMatch& b) { return a.t != b.t ? a.t < b.t : a.s < b.s; });
     return out;
 }
 

@@ -15,6 +15,18 @@ namespace fb {
 
 namespace suggest {
 
+// Experiment knobs (temporary): FB_KNOBS="name=value,name=value".
+inline double knob(const char* name, double fallback)
+{
+    static const QHash<QString, double> knobs = [] {
+        QHash<QString, double> out;
+        for (const QString& kv : QString::fromLocal8Bit(qgetenv("FB_KNOBS")).split(u',', Qt::SkipEmptyParts))
+            out.insert(kv.section(u'=', 0, 0), kv.section(u'=', 1).toDouble());
+        return out;
+    }();
+    return knobs.value(QString::fromLatin1(name), fallback);
+}
+
 // How two words were found to match; the reasons name it.
 enum class Match : quint8 {
     None,
@@ -43,24 +55,36 @@ struct WordMatch {
 };
 
 struct Alignment {
-    double score = 0; // harmonic mean of the two weighted coverages
+    double score = 0;     // weighted harmonic mean of the two coverages
     bool subject = false; // a word that is not a class word matched
-    QList<WordMatch> matches;
+    QList<WordMatch> matches; // only when asked for
 };
 
-// A field's words ready for alignment: terms, weights and, for target
-// words, the source terms each one is similar to.
-struct Words {
+// A target field's name or description ready for alignment: its words, the
+// term id of each (-1 for a term no source has), its weight, and the source
+// terms each word is similar to.
+struct TargetWords {
     const QList<NameWord>* words = nullptr;
-    const int* terms = nullptr;  // term ids; -1 for a term no source has
-    std::vector<int> ownTerms;   // the ids of a target's words, that terms points at
-    std::vector<double> weights; // idf times the word's factor
-    std::vector<const std::vector<TermLink>*> links; // target words only
+    std::vector<int> terms;
+    std::vector<double> weights;
+    std::vector<const std::vector<TermLink>*> links;
+};
 
-    Words() = default;
-    Words(Words&&) = default; // a moved vector keeps its buffer: terms stays valid
-    Words(const Words&) = delete;
-    Words& operator=(const Words&) = delete;
+// A source field's name or description as indexed.
+struct SourceWords {
+    const QList<NameWord>* words = nullptr;
+    const int* terms = nullptr;
+};
+
+// The buffers of one alignment, kept between calls.
+struct AlignScratch {
+    struct Pair {
+        int i, j;
+        double sim, weight;
+        Match kind;
+    };
+    std::vector<Pair> pairs;
+    std::vector<double> tGot, sGot, sWeights;
 };
 
 // The weight of a word in a field: rare words say more. n fields on both
@@ -86,29 +110,47 @@ TypeVerdict CompareTypeLetters(const SuggestField& source, const SuggestField& t
 
 struct SuggestionEngine::Index {
     QList<SuggestField> sources;
-    std::vector<AnalysedName> names;
-    std::vector<QList<NameWord>> descriptions;
-    std::vector<std::vector<int>> nameTerms; // term ids of each source's name words
-    std::vector<std::vector<int>> descTerms;
+    NameAnalyser analyser;
+
+    // Distinct texts: a name or a description shared by many fields is
+    // indexed, matched and aligned once.
+    struct Entry {
+        const QList<NameWord>* words = nullptr;
+        const AnalysedName* name = nullptr; // names only
+        std::vector<int> terms;             // term id of each word
+        std::vector<int> sources;           // the fields that carry it, ascending
+    };
+    std::vector<Entry> names;
+    std::vector<Entry> descriptions;
+    std::vector<int> nameOf; // per source: its entry in names
+    std::vector<int> descOf; // per source: its entry in descriptions, -1 for none
+
     std::vector<int> tableOf; // position of each source's table among the tables
     std::vector<double> keyShare; // share of the source tables holding a field of the same name
     int tableCount = 0;
 
     QHash<QString, int> termIds;
     std::vector<QString> terms;
-    std::vector<std::vector<int>> namePostings; // term -> sources, ascending
-    std::vector<std::vector<int>> descPostings;
-    QHash<QString, std::vector<int>> initialPostings; // initialism of a name -> sources
+    std::vector<std::vector<int>> namePostings; // term -> name entries, ascending
+    std::vector<std::vector<int>> descPostings; // term -> description entries
+    std::vector<int> nameDf; // term -> source fields whose name holds it
+    std::vector<int> descDf; // term -> source fields whose description holds it
+    QHash<QString, std::vector<int>> initialPostings; // initialism of a name -> name entries
     std::vector<std::pair<QString, int>> sortedTerms;  // for prefix ranges
     QHash<QString, std::vector<int>> trigramTerms;     // trigram -> terms
     std::vector<int> trigramCounts;                    // per term
     QHash<QChar, std::vector<int>> shortTermsByLetter; // guessable short forms
 
+    explicit Index(const QStringList& vocabularyNames) : analyser(vocabularyNames) {}
     int termOf(const QString& t);
     void build();
     // The source terms similar to a term, one link per term, by term id.
     std::vector<suggest::TermLink> similarTerms(const QString& t) const;
-    suggest::Alignment align(const suggest::Words& t, const suggest::Words& s) const;
+    // How well a source's words cover a target's words and the other way
+    // round; termWeights: the weight of each source term.
+    suggest::Alignment align(const suggest::TargetWords& t, const suggest::SourceWords& s,
+                             const std::vector<double>& termWeights, suggest::AlignScratch& scratch,
+                             bool withMatches) const;
 };
 
 } // namespace fb

@@ -1,8 +1,5 @@
 #include "SuggestNames.h"
 
-#include <QHash>
-#include <QMutex>
-
 #include <algorithm>
 
 namespace fb {
@@ -21,7 +18,8 @@ bool isKnown(const QString& part)
 
 // The fewest known words that make up the whole part, or nothing. Words have
 // three letters or more; a two-letter word only ends the part (itemid, custno).
-QStringList knownWords(const QString& part)
+template <typename Known>
+QStringList knownWords(const QString& part, const Known& known)
 {
     const qsizetype n = part.size();
     // best[i]: pieces for part.left(i); -1 when none.
@@ -37,7 +35,7 @@ QStringList knownWords(const QString& part)
                 continue;
             if (len == n)
                 continue; // the whole part is not a split
-            if (!isKnown(part.mid(i, len)))
+            if (!known(part.mid(i, len)))
                 continue;
             if (best[j] < 0 || best[i] + 1 < best[j]) {
                 best[j] = best[i] + 1;
@@ -99,15 +97,6 @@ void addWords(QList<NameWord>& out, const QString& part, bool dropStopWords)
     }
 }
 
-QList<NameWord> analyseParts(const QString& text, bool dropStopWords)
-{
-    QList<NameWord> out;
-    for (const QString& part : SplitName(text))
-        for (const QString& piece : SplitCompound(part))
-            addWords(out, piece, dropStopWords);
-    return out;
-}
-
 } // namespace
 
 QStringList SplitName(const QString& name)
@@ -139,20 +128,35 @@ QStringList SplitName(const QString& name)
     return parts;
 }
 
-QStringList SplitCompound(const QString& part)
+NameAnalyser::NameAnalyser(const QStringList& vocabularyNames)
+{
+    for (const QString& name : vocabularyNames)
+        for (const QString& part : SplitName(name))
+            if (part.size() >= 3 && part[0].isLetter())
+                m_vocabulary.insert(part);
+}
+
+NameAnalyser NameAnalyser::WithVocabulary(const NameAnalyser& other)
+{
+    NameAnalyser a;
+    a.m_vocabulary = other.m_vocabulary;
+    return a;
+}
+
+// The fewest words of the word list and of the schema that make up the part.
+QStringList NameAnalyser::schemaWords(const QString& part) const
+{
+    return knownWords(part, [this](const QString& piece) { return isKnown(piece) || m_vocabulary.contains(piece); });
+}
+
+QStringList NameAnalyser::SplitCompound(const QString& part)
 {
     if (part.size() < 5 || !part[0].isLetter() || isKnown(part))
         return {part};
     // Names repeat their parts: each distinct part is split once.
-    static QMutex mutex;
-    static QHash<QString, QStringList> cache;
-    {
-        QMutexLocker lock(&mutex);
-        const auto it = cache.constFind(part);
-        if (it != cache.cend())
-            return *it;
-    }
-    QStringList out = knownWords(part);
+    if (const auto it = m_splits.constFind(part); it != m_splits.cend())
+        return *it;
+    QStringList out = schemaWords(part);
     if (out.isEmpty()) {
         // An unknown head before a word that ends compounds: the longest wins.
         const SuggestWords& vocab = SuggestWords::Instance();
@@ -168,15 +172,25 @@ QStringList SplitCompound(const QString& part)
     }
     if (out.isEmpty())
         out = {part};
-    QMutexLocker lock(&mutex);
-    if (cache.size() > 200000)
-        cache.clear(); // a bound for long sessions; the cache only saves time
-    cache.insert(part, out);
+    m_splits.insert(part, out);
     return out;
 }
 
-AnalysedName AnalyseName(const QString& shownName, const QList<NameWord>& contextWords)
+QList<NameWord> NameAnalyser::analyseParts(const QString& text, bool dropStopWords)
 {
+    QList<NameWord> out;
+    for (const QString& part : SplitName(text))
+        for (const QString& piece : SplitCompound(part))
+            addWords(out, piece, dropStopWords);
+    return out;
+}
+
+const AnalysedName& NameAnalyser::AnalyseName(const QString& shownName, const QString& tableDescription)
+{
+    const QString key = shownName + QChar(0x1f) + tableDescription;
+    if (const auto it = m_nameIndex.constFind(key); it != m_nameIndex.cend())
+        return m_names[size_t(*it)];
+    const QList<NameWord> contextWords = AnalyseText(tableDescription);
     AnalysedName a;
     a.base = shownName.toLower();
     if (a.base.endsWith(u')')) {
@@ -206,12 +220,23 @@ AnalysedName AnalyseName(const QString& shownName, const QList<NameWord>& contex
     }
     for (qsizetype i = 0; i < lead; ++i)
         a.words[i].factor = std::min(a.words[i].factor, kContextFactor);
-    return a;
+    if (a.arrayIndex > 0) {
+        const QString index = QString::number(a.arrayIndex);
+        a.words.append({index, index, WordLink::Same, 0.5, true});
+    }
+    m_nameIndex.insert(key, qsizetype(m_names.size()));
+    m_names.push_back(std::move(a));
+    return m_names.back();
 }
 
-QList<NameWord> AnalyseText(const QString& text)
+const QList<NameWord>& NameAnalyser::AnalyseText(const QString& text)
 {
-    return analyseParts(text, true);
+    if (const auto it = m_textIndex.constFind(text); it != m_textIndex.cend())
+        return m_texts[size_t(*it)];
+    QList<NameWord> words = analyseParts(text, true);
+    m_textIndex.insert(text, qsizetype(m_texts.size()));
+    m_texts.push_back(std::move(words));
+    return m_texts.back();
 }
 
 } // namespace fb

@@ -2,9 +2,13 @@
 
 #include "SuggestWords.h"
 
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
+
+#include <deque>
 
 // Field names and descriptions taken apart into the words that the
 // suggestions compare.
@@ -33,19 +37,46 @@ struct AnalysedName {
 // letters and digits. Parts are lower case.
 QStringList SplitName(const QString& name);
 
-// Splits a part written as one word into known words: itemid -> item id,
-// valueuom -> value uom; an unknown head of four or more letters may stand
-// before a word that ends compounds (chargetime -> charge time). Known words
-// and parts that do not split come back whole.
-QStringList SplitCompound(const QString& part);
+// Takes names and texts apart with the words of one schema: the parts that
+// its names use on their own (tumor, purity) split the parts that run them
+// together (tumorpurity), as the word list's words do (itemid). Analyses are
+// kept per distinct text, so a name shared by many fields is taken apart
+// once. Not for use from several threads at once.
+class NameAnalyser {
+public:
+    // vocabularyNames: the names whose parts make up the schema's words.
+    explicit NameAnalyser(const QStringList& vocabularyNames = {});
+    // An analyser of the same schema words, with caches of its own.
+    static NameAnalyser WithVocabulary(const NameAnalyser& other);
 
-// The words of a field's shown name. Words of the table's own name (given as
-// contextWords, already analysed) that lead the name weigh less: in a table
-// "Drug Exposure" the field drug_exposure_start_date is about its start date.
-AnalysedName AnalyseName(const QString& shownName, const QList<NameWord>& contextWords = {});
+    // Splits a part written as one word into known words: itemid -> item id,
+    // tumorpurity -> tumor purity (when the schema uses both words alone); an
+    // unknown head of four or more letters may stand before a word that ends
+    // compounds (chargetime -> charge time). Words of the word list and parts
+    // that do not split come back whole.
+    QStringList SplitCompound(const QString& part);
 
-// The words of a free text (a description): as for names, but stop words are
-// left out.
-QList<NameWord> AnalyseText(const QString& text);
+    // The words of a field's shown name. Words of the table's own name (its
+    // description, given as text) that lead the name weigh less: in a table
+    // "Drug Exposure" the field drug_exposure_start_date is about its start
+    // date. An element of an array (name(2)) ends with its index as a word.
+    const AnalysedName& AnalyseName(const QString& shownName, const QString& tableDescription = {});
+
+    // The words of a free text (a description): as for names, but stop words
+    // are left out. The references stay valid as long as the analyser.
+    const QList<NameWord>& AnalyseText(const QString& text);
+
+private:
+    QList<NameWord> analyseParts(const QString& text, bool dropStopWords);
+    QStringList schemaWords(const QString& part) const;
+
+    QSet<QString> m_vocabulary;
+    QHash<QString, QStringList> m_splits;
+    // Analyses by text; the deques keep the references handed out valid.
+    QHash<QString, qsizetype> m_nameIndex;
+    std::deque<AnalysedName> m_names;
+    QHash<QString, qsizetype> m_textIndex;
+    std::deque<QList<NameWord>> m_texts;
+};
 
 } // namespace fb

@@ -1,0 +1,144 @@
+// Types and fields as the suggestions compare them.
+#include "Suggest.h"
+
+#include "SuggestIndex_p.h"
+
+#include "core/dictionary/FieldRules.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
+
+namespace fb {
+
+using namespace suggest;
+
+std::vector<double> SharedNameShares(const QList<SuggestField>& fields)
+{
+    QHash<QString, QSet<QString>> tablesOf;
+    QSet<QString> tables;
+    for (const SuggestField& f : fields) {
+        tablesOf[f.name].insert(f.table);
+        tables.insert(f.table);
+    }
+    std::vector<double> out(size_t(fields.size()), 0.0);
+    if (tables.size() < 3)
+        return out;
+    for (qsizetype i = 0; i < fields.size(); ++i)
+        out[size_t(i)] = double(tablesOf.value(fields[i].name).size()) / double(tables.size());
+    return out;
+}
+
+// ---- types --------------------------------------------------------------
+
+namespace {
+
+bool isNumberType(QChar type)
+{
+    return !type.isNull() && QStringView(u"BILFD").contains(type);
+}
+
+// The type as the field lists show it, with its length where the length
+// says something: "String(30)", "Double(15,4)", "Date".
+QString typeText(const SuggestField& f)
+{
+    FieldDefinition d;
+    d.type = f.type.isNull() ? QString() : QString(f.type);
+    const QString length = f.length > 0 ? QString::number(f.length) : QString();
+    (isNumberType(f.type) ? d.digitsBefore : d.length) = length;
+    d.digitsAfter = QString::number(f.decimals);
+    QString lengthText;
+    const QString name = GetFieldTypeText(d, lengthText);
+    // Dates and times have a fixed length; an unknown length shows none.
+    if (length.isEmpty() || f.type == u'T' || f.type == u'K' || f.type == u'U')
+        return name;
+    if ((f.type == u'F' || f.type == u'D') && f.decimals <= 0)
+        lengthText = length;
+    return name + u'(' + lengthText + u')';
+}
+
+} // namespace
+
+SuggestField SuggestField::FromDefinition(const QString& table, const FieldDefinition& field,
+                                          const QString& tableDescription)
+{
+    SuggestField f;
+    f.table = table.toLower();
+    f.name = QualifiedFieldName(table, field.elementName).mid(f.table.size() + 1);
+    if (field.type.size() == 1)
+        f.type = field.type[0];
+    f.length = (isNumberType(f.type) ? field.digitsBefore : field.length).toInt();
+    f.decimals = field.digitsAfter.toInt();
+    f.description = field.description;
+    f.tableDescription = tableDescription;
+    return f;
+}
+
+TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const SuggestField& target)
+{
+    enum Kind { Unknown, Whole, Real, Str, Enum, Set, Date, Utc, Text };
+    const auto kindOf = [](QChar t) {
+        switch (t.unicode()) {
+        case u'B': case u'I': case u'L': return Whole;
+        case u'F': case u'D': return Real;
+        case u'S': case u'M': return Str;
+        case u'E': return Enum;
+        case u'P': return Set;
+        case u'T': return Date;
+        case u'K': return Utc;
+        case u'U': return Text;
+        default: return Unknown;
+        }
+    };
+    const Kind s = kindOf(source.type);
+    const Kind t = kindOf(target.type);
+    if (s == Unknown || t == Unknown)
+        return {};
+    const auto fit = [](double factor, const char* verb) { return TypeVerdict{factor, verb}; };
+    if (s == Text || t == Text)
+        return fit(1.0, "fits");
+    // Byte < Integer < Long and Float < Double by their letters' rank.
+    const auto rank = [](QChar c) {
+        const char16_t order[] = u"BILFD";
+        return std::find(std::begin(order), std::end(order), c.unicode()) - std::begin(order);
+    };
+    if (s == t) {
+        if (s == Whole || s == Real) {
+            const bool wider = source.length > 0 && target.length > 0 ? source.length > target.length
+                                                                     : rank(source.type) > rank(target.type);
+            return wider ? fit(0.96, "is wider than") : fit(1.0, "fits");
+        }
+        if (source.length > 0 && target.length > 0 && source.length > target.length)
+            return fit(0.96, "is longer than");
+        return fit(1.0, "fits");
+    }
+    if (s == Whole && t == Real)
+        return fit(1.0, "fits");
+    if (s == Real && t == Whole)
+        return fit(0.85, "loses its decimals in");
+    if ((s == Date && t == Utc) || (s == Utc && t == Date))
+        return fit(0.95, "converts to");
+    if (t == Str)
+        return (s == Enum || s == Set) ? fit(0.97, "converts to") : fit(0.9, "converts to");
+    if ((s == Enum && t == Whole) || (s == Whole && t == Enum))
+        return fit(0.85, "converts to");
+    if (s == Str && (t == Enum || t == Set))
+        return fit(0.9, "converts to");
+    if (s == Str)
+        return fit(0.8, "may not convert to");
+    if (t == Date || t == Utc || s == Date || s == Utc)
+        return fit(0.65, "does not fit");
+    return fit(0.75, "may not convert to");
+}
+
+TypeFit CompareTypes(const SuggestField& source, const SuggestField& target)
+{
+    const TypeVerdict v = CompareTypeLetters(source, target);
+    if (!v.verb)
+        return {};
+    return {v.factor, QStringLiteral("type %1 %2 %3")
+                          .arg(typeText(source), QLatin1String(v.verb), typeText(target))};
+}
+
+} // namespace fb
