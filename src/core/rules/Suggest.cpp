@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kAccept = 0.5;   // the score from which a candidate is meant to be taken
 constexpr double kAffinity = 0.5; // how much a well-matching source table lifts its fields
+constexpr double kMaxLift = kAffinity / 4 + 1e-9; // the most a lift adds: kAffinity * s * (1 - s) at s = 0.5
 constexpr double kDemoted = 0.6;  // a source taken by a better-fitting target field
 
 QString joinSpan(const QList<NameWord>& words, int from, int to, QChar sep)
@@ -51,6 +52,9 @@ QStringList wordReasons(const Alignment& a, const QList<NameWord>& tw, const QLi
             break;
         case Match::ShortForm:
             out.append(QStringLiteral("short form %1 ~ %2").arg(shorter, longer));
+            break;
+        case Match::Derivation:
+            out.append(QStringLiteral("same root %1 ~ %2").arg(t, s));
             break;
         case Match::Spelling:
             out.append(QStringLiteral("similar spelling %1 ~ %2").arg(t, s));
@@ -226,11 +230,20 @@ QList<QList<SuggestedSource>> SuggestionEngine::Suggest(const QList<SuggestField
 {
     const int nt = int(targets.size());
     Ranker ranker(*d, targets);
-    std::vector<std::vector<Scored>> pools(static_cast<size_t>(nt));
-    for (int k = 0; k < nt; ++k)
-        pools[size_t(k)] = ranker.Candidates(k);
-    liftByTable(pools, d->tableOf, d->tableCount);
     const size_t keep = options.top > 0 ? size_t(std::max(options.top, 3) + 10) : size_t(d->sources.size());
+    std::vector<std::vector<Scored>> pools(static_cast<size_t>(nt));
+    for (int k = 0; k < nt; ++k) {
+        std::vector<Scored>& pool = pools[size_t(k)];
+        pool = ranker.Candidates(k);
+        // What the table lift cannot carry into the kept candidates goes now.
+        if (pool.size() > keep) {
+            std::nth_element(pool.begin(), pool.begin() + qsizetype(keep) - 1, pool.end(), byScore);
+            const double floor = pool[keep - 1].score - kMaxLift;
+            pool.erase(std::remove_if(pool.begin(), pool.end(), [floor](const Scored& sc) { return sc.score < floor; }),
+                       pool.end());
+        }
+    }
+    liftByTable(pools, d->tableOf, d->tableCount);
     for (std::vector<Scored>& pool : pools) {
         std::sort(pool.begin(), pool.end(), byScore);
         if (pool.size() > keep)

@@ -1,6 +1,7 @@
 #include "SuggestDocument.h"
 
 #include "core/document/FieldDefinition.h"
+#include "core/document/FieldNames.h"
 #include "core/document/MappingDocument.h"
 
 #include <QHash>
@@ -20,7 +21,9 @@ QList<SuggestField> fieldsOf(const Node& table)
     return out;
 }
 
-// The fields of every target table of the document, each table once.
+// The table and the shown name of every field of every target table of the
+// document, each table once: all that the key shares and the schema's words
+// need.
 QList<SuggestField> allTargetFields(MappingDocument& doc)
 {
     QList<SuggestField> all;
@@ -28,9 +31,14 @@ QList<SuggestField> allTargetFields(MappingDocument& doc)
     const QStringList tables = doc.HasMscript() ? doc.MscriptTables() : QStringList{doc.TableName().trimmed()};
     for (const QString& t : tables) {
         const Node table = doc.GetTargetTableDefinition(t);
-        if (table && !seen.contains(t.toLower())) {
-            seen.insert(t.toLower());
-            all.append(fieldsOf(table));
+        if (!table || seen.contains(t.toLower()))
+            continue;
+        seen.insert(t.toLower());
+        SuggestField f;
+        f.table = table.name().toLower();
+        for (Node field = table.firstChildElement(); field; field = field.nextSiblingElement()) {
+            f.name = ToDisplayFieldName(field.name()).toLower();
+            all.append(f);
         }
     }
     return all;

@@ -210,6 +210,8 @@ void SuggestionEngine::Index::build()
         }
         if (isShortFormCandidate(t) && t.size() <= 6)
             shortTermsByLetter[t[0]].push_back(id);
+        if (const QString root = WordRoot(t); !root.isEmpty())
+            rootTerms[root].push_back(id);
     }
     std::sort(sortedTerms.begin(), sortedTerms.end());
 }
@@ -257,6 +259,12 @@ std::vector<TermLink> SuggestionEngine::Index::similarTerms(const QString& t) co
             if (it->first.size() >= t.size() + 2)
                 offer(it->second);
     }
+    // Derived forms of one root.
+    if (const QString root = WordRoot(t); !root.isEmpty())
+        if (const auto it = rootTerms.constFind(root); it != rootTerms.cend())
+            for (int term : *it)
+                if (terms[size_t(term)] != t)
+                    add(term, 0.8, Match::Derivation);
     // Close spellings by shared trigrams.
     if (t.size() >= 4) {
         const QList<QString> grams = trigramsOf(t);
@@ -432,8 +440,7 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
     };
     const double ct = coverage(x.tGot, [&](size_t k) { return t.weights[k]; });
     const double cs = coverage(x.sGot, [&](size_t k) { return x.sWeights[k]; });
-    const double ws = knob("ws", 1.0);
-    out.score = ct > 0 && cs > 0 ? (1 + ws) / (1 / ct + ws / cs) : 0.0;
+    out.score = ct > 0 && cs > 0 ? 2 * ct * cs / (ct + cs) : 0.0;
     if (withMatches)
         std::sort(out.matches.begin(), out.matches.end(),
                   [](const WordMatch& a, const WordMatch& b) { return a.t != b.t ? a.t < b.t : a.s < b.s; });

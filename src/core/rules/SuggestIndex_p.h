@@ -15,17 +15,6 @@ namespace fb {
 
 namespace suggest {
 
-// Experiment knobs (temporary): FB_KNOBS="name=value,name=value".
-inline double knob(const char* name, double fallback)
-{
-    static const QHash<QString, double> knobs = [] {
-        QHash<QString, double> out;
-        for (const QString& kv : QString::fromLocal8Bit(qgetenv("FB_KNOBS")).split(u',', Qt::SkipEmptyParts))
-            out.insert(kv.section(u'=', 0, 0), kv.section(u'=', 1).toDouble());
-        return out;
-    }();
-    return knobs.value(QString::fromLatin1(name), fallback);
-}
 
 // How two words were found to match; the reasons name it.
 enum class Match : quint8 {
@@ -39,6 +28,7 @@ enum class Match : quint8 {
     Spelling,     // pathology ~ pathologic
     Initialism,   // uom ~ unit of measure
     Compound,     // followup ~ follow up
+    Derivation,   // admitting ~ admission: the same root
 };
 
 struct TermLink {
@@ -140,6 +130,7 @@ struct SuggestionEngine::Index {
     QHash<QString, std::vector<int>> trigramTerms;     // trigram -> terms
     std::vector<int> trigramCounts;                    // per term
     QHash<QChar, std::vector<int>> shortTermsByLetter; // guessable short forms
+    QHash<QString, std::vector<int>> rootTerms;        // WordRoot -> terms
 
     explicit Index(const QStringList& vocabularyNames) : analyser(vocabularyNames) {}
     int termOf(const QString& t);

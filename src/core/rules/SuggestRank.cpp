@@ -8,7 +8,7 @@ namespace fb::suggest {
 
 namespace {
 
-constexpr int kNamePool = 60;         // distinct source names aligned per target field
+constexpr int kNamePool = 40;         // distinct source names aligned per target field
 constexpr int kDescriptionPool = 30;  // distinct source descriptions aligned per target field
 constexpr int kPerDescription = 40;   // fields taken from one description found by the description alone
 constexpr double kClassOnly = 0.5;    // names that share only class words (id, value, date...)
@@ -97,6 +97,7 @@ Ranker::Ranker(const SuggestionEngine::Index& index, const QList<SuggestField>& 
     m_descByName.assign(m_x.descriptions.size(), {});
     m_descByDesc.assign(m_x.descriptions.size(), {});
     m_sourceSeen.assign(size_t(m_x.sources.size()), -1);
+    m_types.assign(12 * 256, {});
 }
 
 const std::vector<TermLink>* Ranker::linksOf(const QString& term)
@@ -211,7 +212,8 @@ Scored Ranker::score(int k, int s)
     const SuggestionEngine::Index::Entry& name = m_x.names[size_t(e)];
     bool subject = false;
     const double nameScore = alignCached(m_nameAlign, tn, name, e, m_nameWeights, k, &subject);
-    sc.sameName = name.name->base == tName.base && name.name->arrayIndex == tName.arrayIndex;
+    // The same name aligns fully; only then are the names compared.
+    sc.sameName = nameScore > 0.999 && name.name->arrayIndex == tName.arrayIndex && name.name->base == tName.base;
     double ev = sc.sameName ? 1.0 : nameScore;
     if (!sc.sameName && !subject)
         ev *= kClassOnly;
@@ -247,9 +249,22 @@ Scored Ranker::score(int k, int s)
             sc.description = true;
         }
     }
-    sc.type = CompareTypeLetters(m_x.sources[s], m_targets[k]);
+    sc.type = typeVerdict(k, s);
     sc.score = std::clamp(ev * sc.type.factor, 0.0, 1.0);
     return sc;
+}
+
+TypeVerdict Ranker::typeVerdict(int k, int source)
+{
+    const SuggestField& f = m_x.sources[source];
+    constexpr int kLengths = 256;
+    const qsizetype letter = QStringView(u"BILFDSMEPTKU").indexOf(f.type);
+    if (letter < 0 || f.length < 0 || f.length >= kLengths)
+        return CompareTypeLetters(f, m_targets[k]);
+    CachedType& c = m_types[size_t(letter * kLengths + f.length)];
+    if (c.stamp != k)
+        c = {k, CompareTypeLetters(f, m_targets[k])};
+    return c.verdict;
 }
 
 Alignment Ranker::NameAlignment(int k, int source)

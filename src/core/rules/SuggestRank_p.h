@@ -67,6 +67,14 @@ private:
     std::vector<int> m_nameTouched, m_descTouched;
     std::vector<int> m_selectedNames, m_selectedDescriptions;
     std::vector<Cached> m_nameAlign, m_nameByDesc, m_descByName, m_descByDesc;
+    // Type verdicts of the current target field by the source's type letter
+    // and length: many sources share both.
+    struct CachedType {
+        int stamp = -1;
+        TypeVerdict verdict;
+    };
+    std::vector<CachedType> m_types;
+    TypeVerdict typeVerdict(int k, int source);
     std::vector<int> m_sourceSeen;
 };
 

@@ -4,6 +4,7 @@
 #include "SuggestIndex_p.h"
 
 #include "core/dictionary/FieldRules.h"
+#include "core/document/FieldNames.h"
 
 #include <QHash>
 #include <QSet>
@@ -16,17 +17,26 @@ using namespace suggest;
 
 std::vector<double> SharedNameShares(const QList<SuggestField>& fields)
 {
-    QHash<QString, QSet<QString>> tablesOf;
-    QSet<QString> tables;
+    // Distinct (name, table) pairs, counted per name.
+    QHash<QString, int> nameIds, tableIds;
+    std::vector<std::pair<int, int>> pairs;
+    std::vector<int> nameOf;
     for (const SuggestField& f : fields) {
-        tablesOf[f.name].insert(f.table);
-        tables.insert(f.table);
+        const int name = *nameIds.insert(f.name, nameIds.value(f.name, int(nameIds.size())));
+        const int table = *tableIds.insert(f.table, tableIds.value(f.table, int(tableIds.size())));
+        pairs.emplace_back(name, table);
+        nameOf.push_back(name);
     }
     std::vector<double> out(size_t(fields.size()), 0.0);
-    if (tables.size() < 3)
+    if (tableIds.size() < 3)
         return out;
-    for (qsizetype i = 0; i < fields.size(); ++i)
-        out[size_t(i)] = double(tablesOf.value(fields[i].name).size()) / double(tables.size());
+    std::sort(pairs.begin(), pairs.end());
+    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
+    std::vector<int> tablesOf(size_t(nameIds.size()), 0);
+    for (const auto& p : pairs)
+        ++tablesOf[size_t(p.first)];
+    for (size_t i = 0; i < out.size(); ++i)
+        out[i] = double(tablesOf[size_t(nameOf[i])]) / double(tableIds.size());
     return out;
 }
 
@@ -65,7 +75,7 @@ SuggestField SuggestField::FromDefinition(const QString& table, const FieldDefin
 {
     SuggestField f;
     f.table = table.toLower();
-    f.name = QualifiedFieldName(table, field.elementName).mid(f.table.size() + 1);
+    f.name = ToDisplayFieldName(field.elementName).toLower(); // as QualifiedFieldName shows it
     if (field.type.size() == 1)
         f.type = field.type[0];
     f.length = (isNumberType(f.type) ? field.digitsBefore : field.length).toInt();

@@ -223,7 +223,8 @@ const char* const kRelated[] = {
     "0.55 status flag",
     "0.6 customer debtor account partner",
     "0.6 supplier creditor partner",
-    "0.55 person employee contact user",
+    "0.55 person employee contact user member patient participant",
+    "0.5 person subject individual",
     "0.65 size dimension length",
     "0.6 percent rate ratio share proportion",
     "0.7 date datetime day",
@@ -302,6 +303,29 @@ QString StemWord(const QString& word)
         w.chop(2);
     if (w.endsWith(u'e') && w.size() > 4)
         w.chop(1);
+    return w;
+}
+
+QString WordRoot(const QString& stem)
+{
+    if (stem.size() < 5 || !stem[0].isLetter())
+        return {};
+    QString w = stem;
+    static const char16_t* const endings[] = {u"ication", u"ation", u"ition", u"ion", u"ment", u"ance", u"ence",
+                                              u"ity", u"ive", u"al", u"i", u"y"};
+    bool stripped = false;
+    for (const char16_t* e : endings) {
+        const QStringView ending(e);
+        if (w.endsWith(ending) && w.size() - ending.size() >= 4) {
+            w.chop(ending.size());
+            stripped = true;
+            break;
+        }
+    }
+    if (stripped && w.endsWith(u"ss"))
+        w = w.chopped(2) + u't'; // admission -> admit
+    if (w.size() >= 5 && w[w.size() - 1] == w[w.size() - 2] && !QStringView(u"aeiou").contains(w.back()))
+        w.chop(1); // admitt -> admit, shipp -> ship
     return w;
 }
 

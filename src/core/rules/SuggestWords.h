@@ -24,6 +24,13 @@ enum class WordLink : quint8 {
 // three letters are left alone (abbreviations must not lose letters).
 QString StemWord(const QString& word);
 
+// The root that derived forms of a (stemmed) word share: one layer of
+// derivational ending taken off (creation, created -> creat; classify,
+// classification -> classif; delivery, deliver -> deliver), a doubled last
+// consonant made single and -miss- read as -mit- (admitting, admission ->
+// admit). "" for words of fewer than five letters and for digits.
+QString WordRoot(const QString& stem);
+
 class SuggestWords {
 public:
     // The one word list, built on first use.
