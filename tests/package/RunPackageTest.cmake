@@ -1,7 +1,7 @@
 # Installs the build tree into a scratch prefix, checks what landed there,
 # builds the consumer project against the installed package only, runs it,
-# and runs the installed host program and the Designer plugin test against
-# the installed files.
+# and runs the installed host program, the headless tool and the Designer
+# plugin test against the installed files.
 #
 # Variables: BUILD_DIR, PREFIX, CONSUMER_SOURCE, CONSUMER_BUILD, GENERATOR,
 # BUILD_TYPE, CXX_FLAGS, EXAMPLES, PLUGIN_TEST, PLUGIN_DIR_RELATIVE.
@@ -25,6 +25,7 @@ foreach(installed
         lib/cmake/VelkPrjFieldbridge/VelkPrjFieldbridgeConfigVersion.cmake
         lib/libVelkPrjFieldbridge.so
         bin/fieldbridge-host
+        bin/fieldbridge
         share/VelkPrjFieldbridge/examples/klmno001.xml
         share/VelkPrjFieldbridge/examples/fghij100.xml)
     if(NOT EXISTS "${PREFIX}/${installed}")
@@ -57,6 +58,12 @@ foreach(png mapping-object.png define-dumps.png)
         message(FATAL_ERROR "the installed host did not write ${png}")
     endif()
 endforeach()
+
+# The installed headless tool reads the installed sample.
+run("${PREFIX}/bin/fieldbridge" suggest "${PREFIX}/share/VelkPrjFieldbridge/examples/klmno001.xml" --top 1)
+if(NOT run_output MATCHES "\"dumps\"")
+    message(FATAL_ERROR "the installed fieldbridge printed no suggestions:\n${run_output}")
+endif()
 
 # QUiLoader creates the control from the installed plugin.
 set(ENV{FIELDBRIDGE_DESIGNER_PLUGIN_DIR} "${PREFIX}/${PLUGIN_DIR_RELATIVE}")

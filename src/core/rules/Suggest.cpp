@@ -169,13 +169,10 @@ void assignOneToOne(std::vector<std::vector<Scored>>& pools, int sourceCount, do
         for (auto it = pool.begin() + 1; it != pool.end(); ++it)
             if (it->demotedFor >= 0)
                 it->score = std::min(it->score, pool.front().score);
-        // The taken sources fit better than what follows them: among equal
-        // scores they come first, in their order before.
-        std::stable_sort(pool.begin() + 1, pool.end(), [](const Scored& a, const Scored& b) {
-            if (a.score != b.score)
-                return a.score > b.score;
-            return a.demotedFor >= 0 && b.demotedFor < 0;
-        });
+        // The taken sources fit better than what follows them: equal scores
+        // keep their order.
+        std::stable_sort(pool.begin() + 1, pool.end(),
+                         [](const Scored& a, const Scored& b) { return a.score > b.score; });
     }
 }
 

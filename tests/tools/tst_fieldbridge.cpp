@@ -1,0 +1,165 @@
+// The fieldbridge tool run as a pipeline runs it: what each command line
+// exits with, that errors are one line on stderr, and the JSON of suggest.
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const char* const kMapping = R"(<abcde001>
+  <SRCTBL>srcaa001,srcbb002</SRCTBL>
+  <DUMP No="2" TT="taryy002"/>
+  <DUMP No="1" TT="tarxx001"/>
+  <MSCRIPT><tarxx001/><taryy002/></MSCRIPT>
+  <TARTAB>
+    <TARXX001><CUSTNO No="1" TYPE="S" LENG="10"/><QTY__2 No="2" TYPE="L" DIGB="9"/><NAME No="3" TYPE="S" LENG="40"/></TARXX001>
+    <TARYY002><ORDER_DATE No="1" TYPE="T"/></TARYY002>
+  </TARTAB>
+  <SRCTAB>
+    <SRCAA001><CUST_NO No="1" TYPE="S" LENG="8"/><QUANTITY__2 No="2" TYPE="I" DIGB="4"/></SRCAA001>
+    <SRCBB002><ORDER_DT No="1" TYPE="K"/><CUSTOMER_NUMBER No="2" TYPE="S" LENG="8"/></SRCBB002>
+  </SRCTAB>
+</abcde001>)";
+
+struct Run {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+Run run(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(FIELDBRIDGE_TOOL), args);
+    Run r;
+    if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit)
+        return r;
+    r.exitCode = p.exitCode();
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}
+
+} // namespace
+
+class FieldbridgeToolTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+    void write(const QString& name, const QByteArray& text)
+    {
+        QFile f(path(name));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(text);
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        write(u"mapping.xml"_s, kMapping);
+        write(u"broken.xml"_s, "<abcde001><SRCTBL>srcaa001</abcde001>");
+        write(u"short.xml"_s, "<abc><SRCTBL/></abc>");
+    }
+
+    // Placeholders in the arguments: @ stands for the scratch folder.
+    void exitStatus_data()
+    {
+        QTest::addColumn<QString>("args");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("stdoutHas"); // for success: a piece of the output
+        QTest::newRow("overview") << u"--help"_s << 0 << u"suggest"_s;
+        QTest::newRow("help of a command") << u"suggest --help"_s << 0 << u"Usage: fieldbridge suggest"_s;
+        QTest::newRow("help COMMAND") << u"help suggest"_s << 0 << u"Usage: fieldbridge suggest"_s;
+        QTest::newRow("suggestions") << u"suggest @/mapping.xml"_s << 0 << u"\"dumps\""_s;
+        QTest::newRow("no command") << QString() << 2 << QString();
+        QTest::newRow("unknown command") << u"frobnicate @/mapping.xml"_s << 2 << QString();
+        QTest::newRow("no file") << u"suggest"_s << 2 << QString();
+        QTest::newRow("two files") << u"suggest @/mapping.xml @/mapping.xml"_s << 2 << QString();
+        QTest::newRow("unknown option") << u"suggest @/mapping.xml --bogus"_s << 2 << QString();
+        QTest::newRow("top of nought") << u"suggest @/mapping.xml --top 0"_s << 2 << QString();
+        QTest::newRow("dump that is no number") << u"suggest @/mapping.xml --dump x"_s << 2 << QString();
+        QTest::newRow("missing file") << u"suggest @/missing.xml"_s << 2 << QString();
+        QTest::newRow("a folder") << u"suggest @"_s << 2 << QString();
+        QTest::newRow("not well-formed") << u"suggest @/broken.xml"_s << 2 << QString();
+        QTest::newRow("root is no table name") << u"suggest @/short.xml"_s << 2 << QString();
+        QTest::newRow("no such dump") << u"suggest @/mapping.xml --dump 9"_s << 1 << QString();
+    }
+    void exitStatus()
+    {
+        QFETCH(QString, args);
+        QFETCH(int, exitCode);
+        QFETCH(QString, stdoutHas);
+        QStringList list = args.split(u' ', Qt::SkipEmptyParts);
+        for (QString& a : list)
+            a.replace(u'@', m_dir.path());
+        const Run r = run(list);
+        QCOMPARE(r.exitCode, exitCode);
+        if (exitCode == 0) {
+            QVERIFY(r.err.isEmpty());
+            QVERIFY2(QString::fromUtf8(r.out).contains(stdoutHas), r.out.constData());
+        } else {
+            // One clear line, naming the tool; nothing on stdout.
+            QVERIFY(r.out.isEmpty());
+            QVERIFY2(r.err.startsWith("fieldbridge") && r.err.endsWith('\n') && r.err.count('\n') == 1,
+                     r.err.constData());
+        }
+    }
+
+    void suggestionsJson_data()
+    {
+        QTest::addColumn<QString>("args");
+        QTest::addColumn<QList<int>>("dumps");
+        QTest::addColumn<int>("top");
+        QTest::newRow("all dumps, three candidates") << QString() << QList<int>{2, 1} << 3;
+        QTest::newRow("one dump, one candidate") << u"--dump 1 --top 1"_s << QList<int>{1} << 1;
+    }
+    void suggestionsJson()
+    {
+        QFETCH(QString, args);
+        QFETCH(QList<int>, dumps);
+        QFETCH(int, top);
+        const Run r = run(QStringList{u"suggest"_s, path(u"mapping.xml"_s)} + args.split(u' ', Qt::SkipEmptyParts));
+        QCOMPARE(r.exitCode, 0);
+        QJsonParseError error;
+        const QJsonDocument json = QJsonDocument::fromJson(r.out, &error);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        const QSet<QString> sources{u"srcaa001.cust_no"_s, u"srcaa001.quantity(2)"_s, u"srcbb002.order_dt"_s,
+                                    u"srcbb002.customer_number"_s};
+        QList<int> seenDumps;
+        for (const QJsonValue& d : json[u"dumps"_s].toArray()) {
+            seenDumps.append(d[u"dump"_s].toInt());
+            QCOMPARE(d[u"targetTable"_s].toString(), d[u"dump"_s].toInt() == 1 ? u"tarxx001"_s : u"taryy002"_s);
+            QSet<QString> fields;
+            for (const QJsonValue& f : d[u"fields"_s].toArray()) {
+                const QString name = f[u"field"_s].toString();
+                QVERIFY2(!name.isEmpty() && !fields.contains(name), qPrintable(name));
+                fields.insert(name);
+                const QJsonArray candidates = f[u"candidates"_s].toArray();
+                QVERIFY(candidates.size() <= top);
+                double previous = 1.0;
+                for (const QJsonValue& c : candidates) {
+                    QVERIFY(sources.contains(c[u"source"_s].toString()));
+                    const double score = c[u"score"_s].toDouble(-1);
+                    QVERIFY(score >= 0.0 && score <= previous);
+                    previous = score;
+                    QVERIFY(c[u"reasons"_s].isArray() && !c[u"reasons"_s].toArray().isEmpty());
+                }
+            }
+            if (d[u"dump"_s].toInt() == 1)
+                QCOMPARE(fields, (QSet<QString>{u"custno"_s, u"qty(2)"_s, u"name"_s}));
+        }
+        QCOMPARE(seenDumps, dumps);
+    }
+};
+
+QTEST_GUILESS_MAIN(FieldbridgeToolTest)
+#include "tst_fieldbridge.moc"
