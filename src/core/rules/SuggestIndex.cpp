@@ -216,6 +216,7 @@ void SuggestionEngine::Index::build()
     std::sort(sortedTerms.begin(), sortedTerms.end());
 }
 
+// Long: one short block per way two words can be alike.
 std::vector<TermLink> SuggestionEngine::Index::similarTerms(const QString& t) const
 {
     std::vector<TermLink> out;

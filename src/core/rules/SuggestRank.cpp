@@ -76,7 +76,7 @@ Ranker::Ranker(const SuggestionEngine::Index& index, const QList<SuggestField>& 
         m_descriptionWeights[id] = idf(n, double(m_x.descDf[id] + dfDesc.value(m_x.terms[id])));
     }
     const auto weigh = [&](const QList<NameWord>& words, bool description) {
-        TargetWords w = targetWords(words, description);
+        TargetWords w = targetWords(words);
         for (size_t i = 0; i < w.terms.size(); ++i) {
             const QString& term = words[qsizetype(i)].term;
             const int id = w.terms[i];
@@ -110,7 +110,7 @@ const std::vector<TermLink>* Ranker::linksOf(const QString& term)
     return &m_links.back();
 }
 
-TargetWords Ranker::targetWords(const QList<NameWord>& words, bool)
+TargetWords Ranker::targetWords(const QList<NameWord>& words)
 {
     TargetWords w;
     w.words = &words;

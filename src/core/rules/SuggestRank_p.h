@@ -37,7 +37,7 @@ public:
 
 private:
     const std::vector<TermLink>* linksOf(const QString& term);
-    TargetWords targetWords(const QList<NameWord>& words, bool description);
+    TargetWords targetWords(const QList<NameWord>& words);
     // Pre-scores of the index's entries for target k, and the best of them.
     void gather(int k);
     Scored score(int k, int source);

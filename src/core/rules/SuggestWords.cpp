@@ -334,6 +334,7 @@ const SuggestWords& SuggestWords::Instance()
     return words;
 }
 
+// Long: one loop per kind of list, each a few lines.
 SuggestWords::SuggestWords()
 {
     const auto words = [](const char* text) {
