@@ -59,11 +59,16 @@ foreach(png mapping-object.png define-dumps.png)
     endif()
 endforeach()
 
-# The installed headless tool reads the installed sample.
-run("${PREFIX}/bin/fieldbridge" suggest "${PREFIX}/share/VelkPrjFieldbridge/examples/klmno001.xml" --top 1)
-if(NOT run_output MATCHES "\"dumps\"")
-    message(FATAL_ERROR "the installed fieldbridge printed no suggestions:\n${run_output}")
-endif()
+# The installed headless tool reads the installed sample: each command.
+set(sample "${PREFIX}/share/VelkPrjFieldbridge/examples/klmno001.xml")
+foreach(command "suggest;--top;1" "check;--format;json" "report;--format;html")
+    list(GET command 0 name)
+    list(SUBLIST command 1 -1 options)
+    run("${PREFIX}/bin/fieldbridge" ${name} "${sample}" ${options})
+    if(NOT run_output MATCHES "dumps|severity|<html")
+        message(FATAL_ERROR "the installed fieldbridge ${name} printed nothing of its kind:\n${run_output}")
+    endif()
+endforeach()
 
 # QUiLoader creates the control from the installed plugin.
 set(ENV{FIELDBRIDGE_DESIGNER_PLUGIN_DIR} "${PREFIX}/${PLUGIN_DIR_RELATIVE}")

@@ -68,6 +68,11 @@ private Q_SLOTS:
         write(u"mapping.xml"_s, kMapping);
         write(u"broken.xml"_s, "<abcde001><SRCTBL>srcaa001</abcde001>");
         write(u"short.xml"_s, "<abc><SRCTBL/></abc>");
+        QByteArray errors = kMapping;
+        errors.replace("<DUMP No=\"1\" TT=\"tarxx001\"/>",
+                       "<PREC>dump 1 x</PREC><DUMP No=\"1\" TT=\"tarxx001\"><NAME No=\"3\">srcxx001.a &amp; "
+                       "\"=x\"</NAME></DUMP>");
+        write(u"errors.xml"_s, errors);
     }
 
     // Placeholders in the arguments: @ stands for the scratch folder.
@@ -92,6 +97,30 @@ private Q_SLOTS:
         QTest::newRow("not well-formed") << u"suggest @/broken.xml"_s << 2 << QString();
         QTest::newRow("root is no table name") << u"suggest @/short.xml"_s << 2 << QString();
         QTest::newRow("no such dump") << u"suggest @/mapping.xml --dump 9"_s << 1 << QString();
+        QTest::newRow("check, nothing wrong") << u"check @/mapping.xml"_s << 0 << QString();
+        QTest::newRow("check, unknown format") << u"check @/mapping.xml --format xml"_s << 2 << QString();
+        QTest::newRow("check, not well-formed") << u"check @/broken.xml"_s << 2 << QString();
+        QTest::newRow("report as CSV") << u"report @/errors.xml --format csv"_s << 0 << u"srcxx001.a"_s;
+        QTest::newRow("report without format") << u"report @/mapping.xml"_s << 2 << QString();
+        QTest::newRow("report into a folder") << u"report @/mapping.xml --format md -o @"_s << 1 << QString();
+    }
+
+    // An error found: the listing on stdout and exit 1; a report written
+    // to a file holds what stdout would have shown.
+    void checkAndReportFiles()
+    {
+        Run r = run({u"check"_s, path(u"errors.xml"_s), u"--format"_s, u"json"_s});
+        QCOMPARE(r.exitCode, 1);
+        const QJsonArray problems = QJsonDocument::fromJson(r.out).array();
+        QVERIFY2(!problems.isEmpty() && problems[0][u"kind"_s] == u"unknown-table"_s, r.out.constData());
+        QCOMPARE(problems[0][u"dump"_s].toInt(), 1);
+        const Run shown = run({u"report"_s, path(u"errors.xml"_s), u"--format"_s, u"html"_s});
+        r = run({u"report"_s, path(u"errors.xml"_s), u"--format"_s, u"html"_s, u"-o"_s, path(u"out.html"_s)});
+        QCOMPARE(r.exitCode, 0);
+        QFile out(path(u"out.html"_s));
+        QVERIFY(out.open(QIODevice::ReadOnly));
+        QCOMPARE(out.readAll(), shown.out);
+        QVERIFY(shown.out.contains("&amp;"));
     }
     void exitStatus()
     {

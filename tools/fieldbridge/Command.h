@@ -8,6 +8,10 @@
 
 class QCommandLineParser;
 
+namespace fb {
+class MappingDocument;
+}
+
 // The commands of the fieldbridge tool. Each command lives in a file of its
 // own and is listed once in Commands.cpp; the dispatcher in main.cpp finds
 // it by name and hands it the rest of the command line.
@@ -31,7 +35,9 @@ struct Command {
 const QList<Command>& Commands();
 
 // The entry points, one per command file.
+int RunCheck(const QStringList& arguments);
 int RunSuggest(const QStringList& arguments);
+int RunReport(const QStringList& arguments);
 
 // ---- what the commands share -------------------------------------------------
 
@@ -48,5 +54,9 @@ void PrintOut(const QString& text);
 // goes on (no value).
 std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
                                   const QString& help);
+
+// The one FILE of a command's line, loaded as a mapping object: no value
+// when it is; otherwise the line is printed and the exit status returned.
+std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command, fb::MappingDocument& doc);
 
 } // namespace fbtool

@@ -1,7 +1,9 @@
 #include "MappingInput.h"
 
+#include "Command.h"
 #include "core/document/MappingDocument.h"
 
+#include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
@@ -50,6 +52,22 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
                         .arg(root));
     doc.SetTableName(root);
     return true;
+}
+
+std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command, fb::MappingDocument& doc)
+{
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1) {
+        PrintError(command, files.isEmpty() ? QStringLiteral("FILE is missing (see fieldbridge %1 --help)").arg(command)
+                                            : QStringLiteral("one FILE only, not %1").arg(files.size()));
+        return Unreadable;
+    }
+    QString error;
+    if (!LoadMappingObject(files[0], doc, &error)) {
+        PrintError(command, error);
+        return Unreadable;
+    }
+    return std::nullopt;
 }
 
 } // namespace fbtool

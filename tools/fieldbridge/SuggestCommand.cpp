@@ -105,12 +105,6 @@ int RunSuggest(const QStringList& arguments)
     parser.addOptions({dumpOption, topOption});
     if (const std::optional<int> done = ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
         return *done;
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1) {
-        PrintError(command, files.isEmpty() ? QStringLiteral("FILE is missing (see fieldbridge suggest --help)")
-                                            : QStringLiteral("one FILE only, not %1").arg(files.size()));
-        return Unreadable;
-    }
     bool ok = true;
     int dump = 0;
     if (parser.isSet(dumpOption)) {
@@ -128,16 +122,13 @@ int RunSuggest(const QStringList& arguments)
     }
 
     fb::MappingDocument doc;
-    QString error;
-    if (!LoadMappingObject(files[0], doc, &error)) {
-        PrintError(command, error);
-        return Unreadable;
-    }
+    if (const std::optional<int> loaded = LoadSingleFile(parser, command, doc))
+        return *loaded;
     fb::SuggestOptions options;
     options.top = top;
     const fb::DocumentSuggestions suggestions = fb::SuggestForDocument(doc, qint16(dump), options);
     if (dump != 0 && suggestions.dumps.isEmpty()) {
-        PrintError(command, QStringLiteral("%1 has no dump %2").arg(files[0]).arg(dump));
+        PrintError(command, QStringLiteral("%1 has no dump %2").arg(parser.positionalArguments().constFirst()).arg(dump));
         return Failure;
     }
     PrintOut(suggestionsJson(suggestions));

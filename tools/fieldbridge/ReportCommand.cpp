@@ -1,0 +1,67 @@
+// fieldbridge report FILE --format html|md|csv [-o OUT]: the mapping
+// specification to sign off, the same document the host exports.
+#include "Command.h"
+#include "MappingInput.h"
+
+#include "core/document/MappingDocument.h"
+#include "core/document/TextFile.h"
+#include "core/report/Report.h"
+
+#include <QCommandLineParser>
+
+namespace fbtool {
+
+namespace {
+
+const char* const kHelp =
+    "Usage: fieldbridge report FILE --format html|md|csv [-o OUT]\n"
+    "\n"
+    "The mapping specification of the mapping object FILE: an overview of all dumps with their\n"
+    "target tables and coverage, then per dump every target field with its number, name, type\n"
+    "and length, mandatory mark, rule, the source fields the rule uses, its documentation and\n"
+    "its open problems. HTML is one self-contained printable file; CSV (UTF-8 with a byte-order\n"
+    "mark) opens in a spreadsheet; md is Markdown. The table name is the root element's name.\n"
+    "\n"
+    "Options:\n"
+    "  --format F  html, md or csv (required)\n"
+    "  -o OUT      write to the file OUT (replaced as a whole) instead of standard output\n"
+    "  -h, --help  this text\n"
+    "\n"
+    "Exit status: 0 written, 1 OUT could not be written, 2 FILE is not a mapping object or the\n"
+    "command line is wrong.\n";
+
+} // namespace
+
+int RunReport(const QStringList& arguments)
+{
+    const QString command = QStringLiteral("report");
+    QCommandLineParser parser;
+    const QCommandLineOption formatOption(QStringLiteral("format"), QString(), QStringLiteral("F"));
+    const QCommandLineOption outOption(QStringLiteral("o"), QString(), QStringLiteral("OUT"));
+    parser.addOptions({formatOption, outOption});
+    if (const std::optional<int> done = ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
+        return *done;
+    const std::optional<fb::ReportFormat> format = fb::ReportFormatFromName(parser.value(formatOption));
+    if (!format) {
+        PrintError(command, parser.isSet(formatOption)
+                                ? QStringLiteral("--format takes html, md or csv, not '%1'").arg(parser.value(formatOption))
+                                : QStringLiteral("--format is missing (html, md or csv)"));
+        return Unreadable;
+    }
+    fb::MappingDocument doc;
+    if (const std::optional<int> loaded = LoadSingleFile(parser, command, doc))
+        return *loaded;
+    const QString text = fb::RenderReport(doc, *format);
+    if (!parser.isSet(outOption)) {
+        PrintOut(text);
+        return Success;
+    }
+    QString error;
+    if (!fb::WriteTextFile(parser.value(outOption), text, &error)) {
+        PrintError(command, QStringLiteral("cannot write %1: %2").arg(parser.value(outOption), error));
+        return Failure;
+    }
+    return Success;
+}
+
+} // namespace fbtool
