@@ -91,6 +91,8 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_cmdEditRule = makeButton(this, QStringLiteral("CmdEditRule"), QStringLiteral("Edit &Rule"), 1095);
     m_cmdDumpText = makeButton(this, QStringLiteral("CmdDumpText"), QStringLiteral("Te&xt"), 975);
     m_cmdFuncBuild = makeButton(this, QStringLiteral("CmdFuncBuild"), QStringLiteral("&Build"), 975);
+    m_cmdSuggest = makeButton(this, QStringLiteral("CmdSuggest"), QStringLiteral("Suggest..."), 1095);
+    m_cmdSuggest->setToolTip(QStringLiteral("Suggest source fields for the target fields, with their reasons"));
 
     m_details = MakeChild<QGroupBox>(this, QStringLiteral("Details"));
     m_details->setTitle(QStringLiteral("F&ields of Dump: "));
@@ -158,7 +160,8 @@ void DefineDumpsView::LayoutChildren()
     // Commands between the lists and the grid.
     const int commandsTop = listsTop + std::max(listH, 0) + py(kSmallGap) * 2;
     x = margin;
-    for (QPushButton* b : {m_cmdMap, m_cmdGuess, m_cmdCopyDump, m_cmdEditRule, m_cmdDumpText, m_cmdFuncBuild}) {
+    for (QPushButton* b :
+         {m_cmdMap, m_cmdGuess, m_cmdCopyDump, m_cmdEditRule, m_cmdDumpText, m_cmdFuncBuild, m_cmdSuggest}) {
         Place(b, x, commandsTop, b->width(), rowH);
         x += b->width() + small;
     }
@@ -197,6 +200,8 @@ QPushButton* DefineDumpsView::buttonOf(MappingSession::Command command) const
         return m_cmdCopyDump;
     case C::CmdChange:
         return m_cmdChange;
+    case C::CmdSuggest:
+        return m_cmdSuggest;
     default:
         return nullptr;
     }
@@ -381,6 +386,7 @@ void DefineDumpsView::connectSession()
     click(m_cmdChange, &MappingSession::clickCmdChange);
     click(m_cmdDumpText, &MappingSession::clickCmdDumpText);
     click(m_cmdEditRule, &MappingSession::clickCmdEditRule);
+    click(m_cmdSuggest, &MappingSession::clickCmdSuggest);
 }
 
 bool DefineDumpsView::eventFilter(QObject* watched, QEvent* event)

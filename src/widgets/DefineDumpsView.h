@@ -66,6 +66,7 @@ private:
     QPushButton* m_cmdEditRule;
     QPushButton* m_cmdDumpText;
     QPushButton* m_cmdFuncBuild;
+    QPushButton* m_cmdSuggest;
     QGroupBox* m_details;
     QTableView* m_rulesGrid;
     QPlainTextEdit* m_txtgrdline;

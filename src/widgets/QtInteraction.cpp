@@ -1,5 +1,6 @@
 #include "QtInteraction.h"
 
+#include "FrmSuggest.h"
 #include "FrmTxtDoc.h"
 #include "core/document/LineBreaks.h"
 
@@ -88,6 +89,13 @@ QString QtInteraction::ChooseTargetTable(qint16 dumpNumber, const QStringList& t
     FrmTxtDoc dialog(dumpNumber, tables, preset, m_owner);
     dialog.exec();
     return dialog.chosenTable();
+}
+
+QList<AcceptedSuggestion> QtInteraction::ReviewSuggestions(const QString& title, const QList<SuggestionRow>& rows,
+                                                         double threshold)
+{
+    FrmSuggest dialog(title, rows, threshold, m_owner);
+    return dialog.exec() == QDialog::Accepted ? dialog.accepted() : QList<AcceptedSuggestion>();
 }
 
 } // namespace fb

@@ -20,6 +20,8 @@ public:
                      const QString& defaultText = QString()) override;
     QString EditDocText(const QString& title, const QString& text, bool editable) override;
     QString ChooseTargetTable(qint16 dumpNumber, const QStringList& tables, const QString& preset) override;
+    QList<AcceptedSuggestion> ReviewSuggestions(const QString& title, const QList<SuggestionRow>& rows,
+                                                double threshold) override;
 
 private:
     QPointer<QWidget> m_owner;

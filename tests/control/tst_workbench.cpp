@@ -9,6 +9,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QDialogButtonBox>
+#include <QPushButton>
+#include <QTreeWidget>
 #include <QUndoStack>
 
 using namespace fbtest;
@@ -130,6 +133,38 @@ private Q_SLOTS:
         // A new document starts a new history.
         host->load(u"rules001"_s, rulesDocument());
         QVERIFY(!stack->canUndo() && !stack->canRedo());
+    }
+
+    // The review dialog as a person uses it: it opens on the dump's fields
+    // with the clear winners ticked; a double-click on another candidate
+    // takes it; OK writes the ticked rules as one undoable step.
+    void suggestionsReviewedAndWritten()
+    {
+        QVERIFY(openRules());
+        QStringList seen;
+        host->modals.expect([&seen](QWidget* dialog) {
+            auto* list = dialog->findChild<QTreeWidget*>(u"lstSuggestions"_s);
+            QVERIFY(list && list->topLevelItemCount() == 10);
+            for (int i = 0; i < list->topLevelItemCount(); ++i)
+                if (list->topLevelItem(i)->checkState(0) == Qt::Checked)
+                    seen.append(list->topLevelItem(i)->text(0));
+            QTreeWidgetItem* born = list->topLevelItem(3);
+            born->setExpanded(true);
+            QTreeWidgetItem* other = born->child(born->childCount() - 1);
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(other).center());
+            QCOMPARE(born->text(2), other->text(2));
+            auto* buttons = dialog->findChild<QDialogButtonBox*>(u"buttons"_s);
+            QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        });
+        host->click(u"CmdSuggest"_s);
+        QCOMPARE(host->modals.records().value(0).className, u"fb::FrmSuggest"_s);
+        // Rows with a rule (custno, city, zip) never come ticked.
+        QVERIFY2(!seen.contains(u"rules001.custno"_s) && seen.contains(u"rules001.name"_s), qPrintable(seen.join(u' ')));
+        QVERIFY(!host->rule(3).isEmpty());
+        QVERIFY2(host->ctl->undoStack()->undoText().startsWith(u"Suggestions: "_s),
+                 qPrintable(host->ctl->undoStack()->undoText()));
+        host->ctl->undoStack()->undo();
+        QCOMPARE(host->rules(), firstDumpRules());
     }
 
     void problemLeadsToItsRule()

@@ -124,6 +124,28 @@ public:
                                                      visible(result)));
         return result;
     }
+    // Answers: "ticked" (the default) takes what comes ticked, "cancel"
+    // nothing; "ROW=table.field" pieces after it take more.
+    QList<fb::AcceptedSuggestion> ReviewSuggestions(const QString& title, const QList<fb::SuggestionRow>& rows,
+                                                    double threshold) override
+    {
+        const QStringList answer = next(u"ticked"_s).split(u' ', Qt::SkipEmptyParts);
+        log->append(u"  review \"%1\" from %2:"_s.arg(title).arg(threshold));
+        QList<fb::AcceptedSuggestion> taken;
+        for (const fb::SuggestionRow& r : rows) {
+            const bool ticked = !r.candidates.isEmpty() && r.candidates[0].score >= threshold &&
+                                r.currentRule.trimmed().isEmpty();
+            if (ticked && answer.value(0) == u"ticked"_s)
+                taken.append({r.row, r.candidates[0].source});
+            if (!r.candidates.isEmpty())
+                log->append(u"    %1%2 %3 %4 (%5)"_s.arg(ticked ? u"[x] "_s : u"[ ] "_s, r.field, r.candidates[0].source)
+                                .arg(r.candidates[0].score, 0, 'f', 2)
+                                .arg(r.candidates[0].reasons.join(u"; "_s)));
+        }
+        for (const QString& piece : answer.mid(1))
+            taken.append({piece.section(u'=', 0, 0).toInt(), piece.section(u'=', 1)});
+        return answer.value(0) == u"cancel"_s ? QList<fb::AcceptedSuggestion>() : taken;
+    }
     QString ChooseTargetTable(qint16 dump, const QStringList& tables, const QString& preset) override
     {
         const QString answer = next(u"cancel"_s);
@@ -356,7 +378,8 @@ private:
             {u"CmdChange"_s, &MappingSession::clickCmdChange},
             {u"CmdDumpText"_s, &MappingSession::clickCmdDumpText},
             {u"CmdEditRule"_s, &MappingSession::clickCmdEditRule},
-            {u"CmdFuncBuild"_s, &MappingSession::clickCmdFuncBuild}};
+            {u"CmdFuncBuild"_s, &MappingSession::clickCmdFuncBuild},
+            {u"CmdSuggest"_s, &MappingSession::clickCmdSuggest}};
         const auto command = kCommands.find(name);
         if (command == kCommands.end())
             return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -9,6 +10,28 @@ namespace fb {
 enum class MsgIcon { None, Critical, Exclamation, Information, Question };
 enum class MsgButtons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class MsgAnswer { Ok, Cancel, Yes, No };
+
+// A source field offered for a target field, with its score in [0,1] and
+// the reasons for it.
+struct SuggestionCandidate {
+    QString source; // table.field as the source list shows it
+    double score = 0;
+    QStringList reasons;
+};
+// A target field of the dump under review: its grid row, its name, its rule
+// now, and its candidates, best first.
+struct SuggestionRow {
+    int row = -1;
+    QString field;
+    QString currentRule;
+    QList<SuggestionCandidate> candidates;
+};
+// A suggestion taken: the grid row and the source field for it.
+struct AcceptedSuggestion {
+    int row = -1;
+    QString source;
+    bool operator==(const AcceptedSuggestion&) const = default;
+};
 
 // The one seam through which the pure core talks to the person at the screen.
 // The control implements it with real modal boxes; tests record what was
@@ -32,6 +55,14 @@ public:
     virtual QString ChooseTargetTable(qint16 /*dumpNumber*/, const QStringList& /*tables*/, const QString& preset)
     {
         return preset;
+    }
+    // The review of suggestions, modal: the rows whose best candidate scores
+    // at least the threshold and that have no rule are offered ticked. The
+    // answer is what the user took; nothing when cancelled.
+    virtual QList<AcceptedSuggestion> ReviewSuggestions(const QString& /*title*/, const QList<SuggestionRow>& /*rows*/,
+                                                        double /*threshold*/)
+    {
+        return {};
     }
     // A "migrate" statement was refused: the precondition editor, where those
     // statements live, takes the focus.

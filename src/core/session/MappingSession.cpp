@@ -201,7 +201,8 @@ void MappingSession::EnableEditing()
         setBoxLock(box, true);
     for (Command c : {Command::CmdEditRule, Command::CmdPreEditor, Command::CmdMqEditor, Command::CmdGuess,
                       Command::CmdMap, Command::CmdOk, Command::CmdSelectSource, Command::cmdBuildMQ,
-                      Command::CmdBuildPre, Command::CmdFuncBuild, Command::CmdCopyDump, Command::CmdChange})
+                      Command::CmdBuildPre, Command::CmdFuncBuild, Command::CmdCopyDump, Command::CmdChange,
+                      Command::CmdSuggest})
         enable(c, false);
     // The choice of a dump's target table is written into the dump when it
     // is stored: in read-only mode it stays with the dump's own table.

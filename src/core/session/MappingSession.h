@@ -38,7 +38,7 @@ public:
     enum class Command {
         CmdSelectSource, CmdBuildPre, CmdPreDoc, CmdPreEditor, cmdBuildMQ, CmdMQDoc, CmdMqEditor,
         CmdOk, CmdFuncEditor, CmdFuncBuild, CmdEditRule, CmdMap, CmdGuess, CmdCopyDump, CmdChange,
-        CmbTargetTable
+        CmdSuggest, CmbTargetTable
     };
     static constexpr size_t kCommands = size_t(Command::CmbTargetTable) + 1;
     // What the shared script area of the "Mapping Object" tab shows.
@@ -163,6 +163,11 @@ public:
     void clickCmdDumpText();
     void clickCmdEditRule();
     void clickCmdFuncBuild();
+    // Suggestions for the dump in the grid, reviewed by the user; what is
+    // taken is written into the grid as one step, through the conversion
+    // expressions that Ma&p writes.
+    void clickCmdSuggest();
+    static constexpr double kSuggestThreshold = 0.5;
 
     // ---- the workbench: finding, coverage, checks --------------------------
     // What the two field lists and the grid show: the lists above, narrowed
@@ -267,7 +272,7 @@ private:
         SectionCopy sectionBefore, sectionAfter;
         DocTextState docBefore, docAfter;
     };
-    enum class DumpAction { Edit, Map, Guess, FunctionBuilder, Copy, Bind, Documentation };
+    enum class DumpAction { Edit, Map, Guess, Suggest, FunctionBuilder, Copy, Bind, Documentation };
     struct BoxState {
         QString text;
         bool locked = false;

@@ -39,6 +39,8 @@ QString MappingSession::describe(DumpAction action, const DumpState& before, con
         return QStringLiteral("Map: ") + what + dump;
     case DumpAction::Guess:
         return QStringLiteral("Guess: ") + QString::number(changed.size()) + QStringLiteral(" rules") + dump;
+    case DumpAction::Suggest:
+        return QStringLiteral("Suggestions: ") + what + dump;
     case DumpAction::FunctionBuilder:
         return QStringLiteral("Function builder: ") + what + dump;
     case DumpAction::Copy:

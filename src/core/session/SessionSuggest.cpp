@@ -1,0 +1,54 @@
+// Suggestions for the dump in the grid: the engine ranks the listed source
+// fields for each target field, the user reviews them, and what is taken is
+// written into the grid as Ma&p would write it.
+
+#include "DumpChange_p.h"
+
+#include "core/rules/RuleGuess.h"
+#include "core/rules/SuggestDocument.h"
+
+namespace fb {
+
+void MappingSession::clickCmdSuggest()
+{
+    CommitOpenEdit();
+    const qint16 number = str::ToInteger(m_tag).value_or(0);
+    if (number <= 0 || m_rules.rowCount() == 0 || m_dialogOpen)
+        return;
+    SuggestOptions options;
+    options.top = 5;
+    const DocumentSuggestions all = SuggestForDocument(m_doc, number, options);
+    if (all.dumps.isEmpty())
+        return;
+    const DumpSuggestions& dump = all.dumps.first();
+    // The engine lists the target table's fields in table order, as the
+    // grid's rows stand.
+    QList<SuggestionRow> rows;
+    for (qsizetype k = 0; k < dump.targets.size() && k < m_rules.rowCount(); ++k) {
+        SuggestionRow row{int(k), m_rules.text(int(k), 0), m_rules.text(int(k), 1), {}};
+        for (const SuggestedSource& c : dump.candidates[k])
+            row.candidates.append({all.sources[c.source].qualifiedName(), c.score, c.reasons});
+        rows.append(row);
+    }
+    m_dialogOpen = true;
+    const QList<AcceptedSuggestion> taken = m_ui.ReviewSuggestions(
+        QStringLiteral("Suggestions for dump ") + QString::number(number), rows, kSuggestThreshold);
+    m_dialogOpen = false;
+    if (taken.isEmpty() || !m_edit)
+        return;
+
+    // The type descriptions the conversions need, as the field lists show them.
+    QHash<QString, QString> sourceTypes;
+    for (const FieldRow& f : listedSourceFields())
+        sourceTypes.insert(f.name, f.type);
+    const QList<FieldRow> targets = FieldRowsOf(m_doc.GetTargetTableNode(number));
+    const DumpChange change(*this, DumpAction::Suggest);
+    for (const AcceptedSuggestion& a : taken) {
+        if (a.row < 0 || a.row >= m_rules.rowCount() || !sourceTypes.contains(a.source))
+            continue;
+        const QString targetType = a.row < targets.size() ? targets[a.row].type : QString();
+        m_rules.setText(a.row, 1, BuildMappedRule({{a.source, sourceTypes.value(a.source)}}, targetType));
+    }
+}
+
+} // namespace fb
