@@ -17,7 +17,7 @@ ModalAnswerer::ModalAnswerer(QObject* parent)
 void ModalAnswerer::poll()
 {
     QWidget* modal = QApplication::activeModalWidget();
-    if (!modal)
+    if (!modal || m_paused)
         return;
     if (auto* box = qobject_cast<QMessageBox*>(modal)) {
         m_answered.append(box->text());

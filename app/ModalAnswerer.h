@@ -15,10 +15,13 @@ public:
 
     // Texts of the boxes answered so far (message text or window title).
     QStringList answered() const { return m_answered; }
+    // While paused, boxes stay open for someone else to answer.
+    void setPaused(bool paused) { m_paused = paused; }
 
 private:
     void poll();
 
     QTimer m_timer;
     QStringList m_answered;
+    bool m_paused = false;
 };

@@ -1,6 +1,9 @@
 #include "ScreenshotRenderer.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
+#include <QTreeWidget>
 #include <QDir>
 #include <QEventLoop>
 #include <QLineEdit>
@@ -40,6 +43,36 @@ ScreenshotRenderer::ScreenshotRenderer(QWidget* window)
 {
 }
 
+void ScreenshotRenderer::renderSuggestions(const QString& dir, QStringList* written, QStringList* problems)
+{
+    // The review dialog of the shown dump, grabbed while it is open, then
+    // cancelled: nothing is written into the document.
+    auto* suggest = m_window->findChild<QAbstractButton*>(QStringLiteral("CmdSuggest"));
+    if (!suggest || !suggest->isEnabled())
+        return;
+    const QString path = QDir(dir).absoluteFilePath(QStringLiteral("suggestions.png"));
+    m_answerer.setPaused(true);
+    QTimer poll;
+    poll.setInterval(20);
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || dialog->objectName() != QStringLiteral("FrmSuggest"))
+            return;
+        poll.stop();
+        if (auto* list = dialog->findChild<QTreeWidget*>(); list && list->topLevelItemCount() > 1)
+            list->topLevelItem(1)->setExpanded(true);
+        settle(200);
+        if (dialog->grab().save(path))
+            written->append(path);
+        else
+            problems->append(QStringLiteral("cannot write %1").arg(path));
+        dialog->reject();
+    });
+    poll.start();
+    suggest->click();
+    m_answerer.setPaused(false);
+}
+
 QStringList ScreenshotRenderer::render(const QString& dir, QStringList* notes)
 {
     QStringList written;
@@ -75,6 +108,8 @@ QStringList ScreenshotRenderer::render(const QString& dir, QStringList* notes)
                 problems.append(QStringLiteral("cannot write %1").arg(path));
         }
     }
+    if (problems.isEmpty())
+        renderSuggestions(dir, &written, &problems);
     for (const QString& text : m_answerer.answered())
         problems.append(QStringLiteral("answered a box: %1").arg(text));
     if (notes)

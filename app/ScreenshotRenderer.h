@@ -15,11 +15,15 @@ public:
 
     // Renders the window at about 1280x800 with the control's "Mapping
     // Object" tab and then its "Define Dumps" tab current, into
-    // DIR/mapping-object.png and DIR/define-dumps.png. Returns the written
-    // paths; *notes tells what went wrong and which boxes were answered.
+    // DIR/mapping-object.png and DIR/define-dumps.png, then the review of
+    // the shown dump's suggestions into DIR/suggestions.png. Returns the
+    // written paths; *notes tells what went wrong and which boxes were
+    // answered.
     QStringList render(const QString& dir, QStringList* notes);
 
 private:
+    void renderSuggestions(const QString& dir, QStringList* written, QStringList* problems);
+
     QWidget* m_window;
     ModalAnswerer m_answerer;
 };
