@@ -33,7 +33,8 @@ QByteArray declaredEncoding(const QByteArray& bytes)
     const qsizetype end = bytes.indexOf("?>");
     if (end < 0)
         return {};
-    static const QRegularExpression encodingAttr(QStringLiteral("encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
+    static const QRegularExpression encodingAttr(
+        QStringLiteral("encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
     const QRegularExpressionMatch m = encodingAttr.match(QString::fromLatin1(bytes.left(end)));
     return m.hasMatch() ? m.captured(1).toLatin1() : QByteArray();
 }
@@ -97,9 +98,9 @@ bool HostDocument::open(const QString& path, QString* error)
 
 bool HostDocument::openSample(QString* error)
 {
-    const QString installed = QDir(QCoreApplication::applicationDirPath())
-                                  .filePath(QString::fromUtf8(FIELDBRIDGE_EXAMPLES_FROM_BIN) + u'/' +
-                                            sampleFileName());
+    const QString installed =
+        QDir(QCoreApplication::applicationDirPath())
+            .filePath(QString::fromUtf8(FIELDBRIDGE_EXAMPLES_FROM_BIN) + u'/' + sampleFileName());
     QFile file(QFileInfo::exists(installed) ? installed : QStringLiteral(":/samples/") + sampleFileName());
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)

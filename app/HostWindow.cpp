@@ -1,7 +1,6 @@
 #include "HostWindow.h"
 
 #include "SourceTablesDialog.h"
-
 #include "core/document/LineBreaks.h"
 #include "core/document/MappingDocument.h"
 #include "core/document/TextFile.h"
@@ -16,18 +15,17 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStatusBar>
-#include <QTextStream>
-#include <QLineEdit>
 #include <QTabWidget>
+#include <QTextStream>
 #include <QTimer>
 #include <QUndoGroup>
 #include <QUndoStack>
-
 #include <algorithm>
 #include <limits>
 
@@ -42,18 +40,17 @@ QString externalEditorKey()
 const QStringList& editingCommands()
 {
     static const QStringList names{
-        QStringLiteral("CmdMap"),       QStringLiteral("CmdGuess"),     QStringLiteral("CmdCopyDump"),
-        QStringLiteral("CmdChange"),    QStringLiteral("CmdOk"),        QStringLiteral("CmdEditRule"),
-        QStringLiteral("CmdPreEditor"), QStringLiteral("CmdMqEditor"),  QStringLiteral("CmdFuncEditor"),
-        QStringLiteral("CmdPreDoc"),    QStringLiteral("CmdMQDoc"),     QStringLiteral("CmdDumpText"),
+        QStringLiteral("CmdMap"),       QStringLiteral("CmdGuess"),    QStringLiteral("CmdCopyDump"),
+        QStringLiteral("CmdChange"),    QStringLiteral("CmdOk"),       QStringLiteral("CmdEditRule"),
+        QStringLiteral("CmdPreEditor"), QStringLiteral("CmdMqEditor"), QStringLiteral("CmdFuncEditor"),
+        QStringLiteral("CmdPreDoc"),    QStringLiteral("CmdMQDoc"),    QStringLiteral("CmdDumpText"),
     };
     return names;
 }
 
 } // namespace
 
-HostWindow::HostWindow(QWidget* parent)
-    : QMainWindow(parent)
+HostWindow::HostWindow(QWidget* parent) : QMainWindow(parent)
 {
     setObjectName(QStringLiteral("HostWindow"));
     m_externalEditor = QSettings().value(externalEditorKey()).toString();
@@ -103,7 +100,8 @@ void HostWindow::createActions()
     m_revertAction->setObjectName(QStringLiteral("actionRevert"));
 
     fileMenu->addSeparator();
-    m_exportAction = fileMenu->addAction(tr("&Export Specification..."), this, &HostWindow::exportSpecification);
+    m_exportAction =
+        fileMenu->addAction(tr("&Export Specification..."), this, &HostWindow::exportSpecification);
     m_exportAction->setObjectName(QStringLiteral("actionExportSpecification"));
 
     fileMenu->addSeparator();
@@ -122,15 +120,17 @@ void HostWindow::createActions()
     connect(m_editModeAction, &QAction::triggered, this, &HostWindow::setEditMode);
 
     QMenu* toolsMenu = menuBar()->addMenu(tr("&Tools"));
-    QAction* editor = toolsMenu->addAction(tr("External &Editor..."), this, &HostWindow::chooseExternalEditor);
+    QAction* editor =
+        toolsMenu->addAction(tr("External &Editor..."), this, &HostWindow::chooseExternalEditor);
     editor->setObjectName(QStringLiteral("actionExternalEditor"));
 
     QMenu* helpMenu = menuBar()->addMenu(tr("&Help"));
     helpMenu->addAction(tr("&About"), this, [this] {
-        QMessageBox::about(this, tr("About Fieldbridge"),
-                           tr("<p><b>Fieldbridge host</b></p><p>Edits the mapping objects of a data migration: "
-                              "source tables, precondition, main queries, functions and the rules of every "
-                              "dump.</p>"));
+        QMessageBox::about(
+            this, tr("About Fieldbridge"),
+            tr("<p><b>Fieldbridge host</b></p><p>Edits the mapping objects of a data migration: "
+               "source tables, precondition, main queries, functions and the rules of every "
+               "dump.</p>"));
     });
 }
 
@@ -191,9 +191,10 @@ bool HostWindow::openFile(const QString& path)
     showDocument(m_document.text());
     rebuildRecentMenu();
     if (m_document.declarationRemoved())
-        statusBar()->showMessage(tr("The XML declaration was left out: the mapping object must begin with its "
-                                    "root element. Saving writes it without one."),
-                                 10000);
+        statusBar()->showMessage(
+            tr("The XML declaration was left out: the mapping object must begin with its "
+               "root element. Saving writes it without one."),
+            10000);
     return true;
 }
 
@@ -220,10 +221,11 @@ void HostWindow::showDocument(const QString& text)
     m_changed = false;
     const QString rootName = m_document.catalogue().rootName;
     if (rootName.size() != 8)
-        statusBar()->showMessage(tr("The root element \"%1\" is not 8 characters long: the control will not find "
-                                    "the sections of this mapping object.")
-                                     .arg(rootName),
-                                 10000);
+        statusBar()->showMessage(
+            tr("The root element \"%1\" is not 8 characters long: the control will not find "
+               "the sections of this mapping object.")
+                .arg(rootName),
+            10000);
     updateTitle();
     updateActions();
 }
@@ -232,10 +234,10 @@ void HostWindow::revert()
 {
     if (!m_control || m_saveLocked || !isModified())
         return;
-    QMessageBox box(QMessageBox::Warning, tr("Revert"),
-                    tr("Discard the changes made to %1 since it was opened or last saved?")
-                        .arg(m_document.displayName()),
-                    QMessageBox::Discard | QMessageBox::Cancel, this);
+    QMessageBox box(
+        QMessageBox::Warning, tr("Revert"),
+        tr("Discard the changes made to %1 since it was opened or last saved?").arg(m_document.displayName()),
+        QMessageBox::Discard | QMessageBox::Cancel, this);
     box.setObjectName(QStringLiteral("RevertBox"));
     box.setDefaultButton(QMessageBox::Cancel);
     if (box.exec() == QMessageBox::Discard)
@@ -311,8 +313,9 @@ bool HostWindow::maybeSave()
                     QMessageBox::NoButton, this);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
     if (m_saveLocked) {
-        box.setInformativeText(tr("Close the Functions or Variables panel with OK or Cancel to be able to save. "
-                                  "Discard the changes?"));
+        box.setInformativeText(
+            tr("Close the Functions or Variables panel with OK or Cancel to be able to save. "
+               "Discard the changes?"));
         box.setStandardButtons(QMessageBox::Discard | QMessageBox::Cancel);
     } else {
         box.setInformativeText(tr("Do you want to save them?"));
@@ -345,7 +348,8 @@ bool HostWindow::saveAs()
         return false;
     QString suggestion = m_document.path();
     if (suggestion.isEmpty())
-        suggestion = QDir::home().filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".xml"));
+        suggestion =
+            QDir::home().filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".xml"));
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Mapping Object"), suggestion,
                                                       tr("Mapping objects (*.xml);;All files (*)"));
     if (path.isEmpty())
@@ -361,8 +365,8 @@ bool HostWindow::confirmRemovals()
     if (m_unattended)
         return false;
     QMessageBox box(QMessageBox::Warning, tr("Save Mapping Object"),
-                    tr("Saving removes work that no script references any more:"), QMessageBox::Save | QMessageBox::Cancel,
-                    this);
+                    tr("Saving removes work that no script references any more:"),
+                    QMessageBox::Save | QMessageBox::Cancel, this);
     box.setObjectName(QStringLiteral("ConfirmRemovalsBox"));
     box.setInformativeText(QStringLiteral("\u2022 ") + removals.join(QStringLiteral("\n\u2022 ")));
     box.setDefaultButton(QMessageBox::Cancel);
@@ -514,9 +518,9 @@ void HostWindow::openRecent()
 void HostWindow::chooseExternalEditor()
 {
     bool ok = false;
-    const QString path = QInputDialog::getText(this, tr("External Editor"),
-                                               tr("Program that edits scripts (empty: the control's default):"),
-                                               QLineEdit::Normal, m_externalEditor, &ok);
+    const QString path = QInputDialog::getText(
+        this, tr("External Editor"), tr("Program that edits scripts (empty: the control's default):"),
+        QLineEdit::Normal, m_externalEditor, &ok);
     if (!ok)
         return;
     m_externalEditor = path.trimmed();
@@ -623,11 +627,10 @@ void HostWindow::answerFunctionalText(const QString& docType, int textNumber, co
                                       const QString& key2)
 {
     bool ok = false;
-    const int number = QInputDialog::getInt(this, tr("Documentation Text"),
-                                            tr("Number of the documentation text (%1 %2 %3):")
-                                                .arg(docType, key1, key2)
-                                                .trimmed(),
-                                            textNumber, 0, std::numeric_limits<int>::max(), 1, &ok);
+    const int number = QInputDialog::getInt(
+        this, tr("Documentation Text"),
+        tr("Number of the documentation text (%1 %2 %3):").arg(docType, key1, key2).trimmed(), textNumber, 0,
+        std::numeric_limits<int>::max(), 1, &ok);
     if (!ok || !m_editMode || !m_control || number == textNumber)
         return;
     m_control->SetTextNumber(docType, number, key1, key2);

@@ -2,12 +2,10 @@
 
 #include "HostDocument.h"
 #include "ScriptBuilderDialog.h"
-
 #include "core/report/Report.h"
 
-#include <ctlFieldbridge.h>
-
 #include <QMainWindow>
+#include <ctlFieldbridge.h>
 
 class QUndoGroup;
 #include <QPointer>
@@ -89,7 +87,8 @@ private:
 
     void answerSourceTables(const QString& sourceTables);
     void answerScript(ScriptBuilderDialog::Kind kind, const QString& script, const QString& tables);
-    void answerFunctionalText(const QString& docType, int textNumber, const QString& key1, const QString& key2);
+    void answerFunctionalText(const QString& docType, int textNumber, const QString& key1,
+                              const QString& key2);
     void lockSave(bool locked);
 
     HostDocument m_document;

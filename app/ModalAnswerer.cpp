@@ -6,8 +6,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
-ModalAnswerer::ModalAnswerer(QObject* parent)
-    : QObject(parent)
+ModalAnswerer::ModalAnswerer(QObject* parent) : QObject(parent)
 {
     m_timer.setInterval(50);
     connect(&m_timer, &QTimer::timeout, this, &ModalAnswerer::poll);

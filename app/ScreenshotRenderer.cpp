@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
-#include <QTreeWidget>
 #include <QDir>
 #include <QEventLoop>
 #include <QLineEdit>
@@ -11,6 +10,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
+#include <QTreeWidget>
 
 namespace {
 
@@ -29,7 +29,8 @@ void clickTab(QTabWidget* tabs, int index)
     QTabBar* bar = tabs->tabBar();
     const QPoint centre = bar->tabRect(index).center();
     const QPoint global = bar->mapToGlobal(centre);
-    QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent press(QEvent::MouseButtonPress, centre, global, Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
     QApplication::sendEvent(bar, &press);
     QMouseEvent release(QEvent::MouseButtonRelease, centre, global, Qt::LeftButton, Qt::NoButton,
                         Qt::NoModifier);
@@ -38,10 +39,7 @@ void clickTab(QTabWidget* tabs, int index)
 
 } // namespace
 
-ScreenshotRenderer::ScreenshotRenderer(QWidget* window)
-    : m_window(window)
-{
-}
+ScreenshotRenderer::ScreenshotRenderer(QWidget* window) : m_window(window) {}
 
 void ScreenshotRenderer::renderSuggestions(const QString& dir, QStringList* written, QStringList* problems)
 {
@@ -98,7 +96,8 @@ QStringList ScreenshotRenderer::render(const QString& dir, QStringList* notes)
                     problems.append(QStringLiteral("tab %1 did not become current").arg(page.tab));
             }
             // The workbench at work: the source list narrowed by a find.
-            if (auto* find = m_window->findChild<QLineEdit*>(QStringLiteral("txtFindSource")); find && page.tab == 1)
+            if (auto* find = m_window->findChild<QLineEdit*>(QStringLiteral("txtFindSource"));
+                find && page.tab == 1)
                 find->setText(QStringLiteral("cust"));
             settle(100);
             const QString path = QDir(dir).absoluteFilePath(page.file);

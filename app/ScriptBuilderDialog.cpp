@@ -1,6 +1,6 @@
 #include "ScriptBuilderDialog.h"
-#include "AnswerButtons.h"
 
+#include "AnswerButtons.h"
 #include "core/document/LineBreaks.h"
 
 #include <QFontDatabase>

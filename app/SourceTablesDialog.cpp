@@ -1,4 +1,5 @@
 #include "SourceTablesDialog.h"
+
 #include "AnswerButtons.h"
 
 #include <QLabel>

@@ -13,8 +13,8 @@ class SourceTablesDialog : public QDialog {
     Q_OBJECT
 
 public:
-    SourceTablesDialog(const MappingFile::Catalogue& catalogue, const QString& currentTables,
-                       bool editable, QWidget* parent = nullptr);
+    SourceTablesDialog(const MappingFile::Catalogue& catalogue, const QString& currentTables, bool editable,
+                       QWidget* parent = nullptr);
 
     QString chosenTables() const;
 

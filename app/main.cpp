@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
-
 #include <cstdio>
 #include <memory>
 
@@ -23,8 +22,8 @@ struct CommandLine {
 
     CommandLine()
     {
-        parser.setApplicationDescription(
-            QStringLiteral("Edits a data-migration mapping object. Without FILE it opens the bundled sample."));
+        parser.setApplicationDescription(QStringLiteral(
+            "Edits a data-migration mapping object. Without FILE it opens the bundled sample."));
         parser.addOption(view);
         parser.addOption(screenshot);
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The mapping object to open."),

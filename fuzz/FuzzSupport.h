@@ -4,7 +4,6 @@
 // it, and the report of a broken round trip.
 
 #include <QString>
-
 #include <cstdint>
 #include <cstdio>
 
@@ -74,7 +73,8 @@ inline QString visible(const QString& text)
         ++at;
     const qsizetype from = at > 40 ? at - 40 : 0;
     std::fprintf(stderr,
-                 "\n%s\n  lengths %lld and %lld, first difference at %lld\n  expected: ...%s...\n  actual:   ...%s...\n",
+                 "\n%s\n  lengths %lld and %lld, first difference at %lld\n  expected: ...%s...\n  actual:   "
+                 "...%s...\n",
                  what, static_cast<long long>(expected.size()), static_cast<long long>(actual.size()),
                  static_cast<long long>(at), qPrintable(visible(expected.mid(from, 100))),
                  qPrintable(visible(actual.mid(from, 100))));

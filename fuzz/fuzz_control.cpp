@@ -9,7 +9,6 @@
 // and a crash replays the same answers.
 
 #include "FuzzSupport.h"
-
 #include "ctlFieldbridge.h"
 
 #include <QAbstractButton>
@@ -24,7 +23,6 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
-
 #include <cstdlib>
 
 namespace {
@@ -66,7 +64,8 @@ private:
     {
         if (auto* message = qobject_cast<QMessageBox*>(box)) {
             const QList<QAbstractButton*> buttons = message->buttons();
-            QAbstractButton* b = ok ? static_cast<QAbstractButton*>(message->defaultButton()) : message->escapeButton();
+            QAbstractButton* b =
+                ok ? static_cast<QAbstractButton*>(message->defaultButton()) : message->escapeButton();
             if (!b && !buttons.isEmpty())
                 b = ok ? buttons.constFirst() : buttons.constLast();
             if (b)
@@ -74,7 +73,8 @@ private:
         } else if (auto* input = qobject_cast<QInputDialog*>(box)) {
             ok ? input->accept() : input->reject();
         } else if (auto* dialog = qobject_cast<QDialog*>(box)) {
-            auto* button = dialog->findChild<QAbstractButton*>(ok ? QStringLiteral("CmdOk") : QStringLiteral("CmdCancel"));
+            auto* button = dialog->findChild<QAbstractButton*>(ok ? QStringLiteral("CmdOk")
+                                                                  : QStringLiteral("CmdCancel"));
             if (button && button->isEnabled())
                 button->click();
         }
@@ -109,7 +109,8 @@ void settle()
 void clearScratch()
 {
     QDir dir(g_scratch);
-    for (const QString& name : dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
+    for (const QString& name :
+         dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
         if (!dir.remove(name))
             QDir(dir.filePath(name)).removeRecursively();
     }
@@ -184,7 +185,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
     // Qt fills its caches (fonts, styles, icons) on the first control; do
     // that here, so that leak checks of the first inputs do not count them.
-    openAndRead(QStringLiteral("klmno001"), QStringLiteral("<klmno001><PREC>dump 1 x\n</PREC></klmno001>"), true);
+    openAndRead(QStringLiteral("klmno001"), QStringLiteral("<klmno001><PREC>dump 1 x\n</PREC></klmno001>"),
+                true);
     clearScratch();
     return 0;
 }
@@ -200,6 +202,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QString second = openAndRead(table, first, false);
     clearScratch();
     if (second != first)
-        fbfuzz::differs("a fresh control hands back a different text than the one it was given", first, second);
+        fbfuzz::differs("a fresh control hands back a different text than the one it was given", first,
+                        second);
     return 0;
 }

@@ -4,7 +4,6 @@
 // same text, and tidying it once more must change nothing.
 
 #include "FuzzSupport.h"
-
 #include "core/document/Interaction.h"
 #include "core/document/MappingDocument.h"
 #include "core/scripts/ScriptScanner.h"

@@ -1,13 +1,9 @@
 #include "ctlFieldbridgePlugin.h"
 
+#include <QIcon>
 #include <ctlFieldbridge.h>
 
-#include <QIcon>
-
-ctlFieldbridgePlugin::ctlFieldbridgePlugin(QObject* parent)
-    : QObject(parent)
-{
-}
+ctlFieldbridgePlugin::ctlFieldbridgePlugin(QObject* parent) : QObject(parent) {}
 
 QString ctlFieldbridgePlugin::name() const
 {

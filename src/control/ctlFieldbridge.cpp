@@ -20,7 +20,8 @@ using namespace fb;
 // ---------------------------------------------------------------------------
 // ctlFieldbridgePrivate
 
-ctlFieldbridgePrivate::ctlFieldbridgePrivate(ctlFieldbridge* owner) : m_q(owner), m_ui(owner), m_session(m_ui) {}
+ctlFieldbridgePrivate::ctlFieldbridgePrivate(ctlFieldbridge* owner) : m_q(owner), m_ui(owner), m_session(m_ui)
+{}
 
 ctlFieldbridgePrivate::~ctlFieldbridgePrivate() = default;
 
@@ -49,9 +50,11 @@ void ctlFieldbridgePrivate::StartUp()
 
     // The host's events.
     connect(&m_session, &MappingSession::ShowSourceTablesPopUp, m_q, &ctlFieldbridge::ShowSourceTablesPopUp);
-    connect(&m_session, &MappingSession::ShowConditionBuilderPopUp, m_q, &ctlFieldbridge::ShowConditionBuilderPopUp);
+    connect(&m_session, &MappingSession::ShowConditionBuilderPopUp, m_q,
+            &ctlFieldbridge::ShowConditionBuilderPopUp);
     connect(&m_session, &MappingSession::ShowQueryBuilderPopUp, m_q, &ctlFieldbridge::ShowQueryBuilderPopUp);
-    connect(&m_session, &MappingSession::ShowFunctionBuilderPopUp, m_q, &ctlFieldbridge::ShowFunctionBuilderPopUp);
+    connect(&m_session, &MappingSession::ShowFunctionBuilderPopUp, m_q,
+            &ctlFieldbridge::ShowFunctionBuilderPopUp);
     connect(&m_session, &MappingSession::SaveDoneDisabled, m_q, &ctlFieldbridge::SaveDoneDisabled);
     connect(&m_session, &MappingSession::SaveDoneEnabled, m_q, &ctlFieldbridge::SaveDoneEnabled);
     keepUndoStackInStep();
@@ -206,7 +209,8 @@ bool ctlFieldbridgePrivate::controlKey(const QKeyEvent* key, bool act)
 bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
 {
     const QEvent::Type type = event->type();
-    if ((type == QEvent::ShortcutOverride || type == QEvent::KeyPress) && watched == QApplication::focusWidget()) {
+    if ((type == QEvent::ShortcutOverride || type == QEvent::KeyPress) &&
+        watched == QApplication::focusWidget()) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (controlKey(key, type == QEvent::KeyPress)) {
             event->accept();
@@ -228,7 +232,8 @@ bool ctlFieldbridgePrivate::eventFilter(QObject* watched, QEvent* event)
 // ---------------------------------------------------------------------------
 // ctlFieldbridge
 
-ctlFieldbridge::ctlFieldbridge(QWidget* parent) : QWidget(parent), d(std::make_unique<ctlFieldbridgePrivate>(this))
+ctlFieldbridge::ctlFieldbridge(QWidget* parent)
+    : QWidget(parent), d(std::make_unique<ctlFieldbridgePrivate>(this))
 {
     setObjectName(QStringLiteral("ctlFieldbridge"));
     setMinimumSize(1, 1);
@@ -238,28 +243,82 @@ ctlFieldbridge::ctlFieldbridge(QWidget* parent) : QWidget(parent), d(std::make_u
 
 ctlFieldbridge::~ctlFieldbridge() = default;
 
-void ctlFieldbridge::setMappingObjectXML(const QString& text) { d->m_session.setMappingObjectXML(text); }
-QString ctlFieldbridge::MappingObjectXML() { return d->m_session.MappingObjectXML(); }
-void ctlFieldbridge::Setfocus() { d->m_session.Setfocus(); }
-void ctlFieldbridge::setEditor(const QString& Epath) { d->m_session.setEditor(Epath); }
-QString ctlFieldbridge::Editor() const { return d->m_session.Editor(); }
-void ctlFieldbridge::setTargetTable(const QString& name) { d->m_session.setTargetTable(name); }
-QString ctlFieldbridge::TargetTable() const { return d->m_session.TargetTable(); }
-void ctlFieldbridge::setEdit(bool BoolNewValue) { d->m_session.setEdit(BoolNewValue); }
-bool ctlFieldbridge::Edit() const { return d->m_session.Edit(); }
-void ctlFieldbridge::setSourceTables(const QString& tables) { d->m_session.setSourceTables(tables); }
-QString ctlFieldbridge::SourceTables() { return d->m_session.SourceTables(); }
-void ctlFieldbridge::setPreCondition(const QString& text) { d->m_session.setPreCondition(text); }
-QString ctlFieldbridge::PreCondition() const { return d->m_session.PreCondition(); }
-void ctlFieldbridge::setMainQuery(const QString& text) { d->m_session.setMainQuery(text); }
-QString ctlFieldbridge::MainQuery() const { return d->m_session.MainQuery(); }
-QString ctlFieldbridge::FieldMapping() const { return d->m_session.FieldMapping(); }
-void ctlFieldbridge::setFieldMapping(const QString& rule) { d->m_session.setFieldMapping(rule); }
+void ctlFieldbridge::setMappingObjectXML(const QString& text)
+{
+    d->m_session.setMappingObjectXML(text);
+}
+QString ctlFieldbridge::MappingObjectXML()
+{
+    return d->m_session.MappingObjectXML();
+}
+void ctlFieldbridge::Setfocus()
+{
+    d->m_session.Setfocus();
+}
+void ctlFieldbridge::setEditor(const QString& Epath)
+{
+    d->m_session.setEditor(Epath);
+}
+QString ctlFieldbridge::Editor() const
+{
+    return d->m_session.Editor();
+}
+void ctlFieldbridge::setTargetTable(const QString& name)
+{
+    d->m_session.setTargetTable(name);
+}
+QString ctlFieldbridge::TargetTable() const
+{
+    return d->m_session.TargetTable();
+}
+void ctlFieldbridge::setEdit(bool BoolNewValue)
+{
+    d->m_session.setEdit(BoolNewValue);
+}
+bool ctlFieldbridge::Edit() const
+{
+    return d->m_session.Edit();
+}
+void ctlFieldbridge::setSourceTables(const QString& tables)
+{
+    d->m_session.setSourceTables(tables);
+}
+QString ctlFieldbridge::SourceTables()
+{
+    return d->m_session.SourceTables();
+}
+void ctlFieldbridge::setPreCondition(const QString& text)
+{
+    d->m_session.setPreCondition(text);
+}
+QString ctlFieldbridge::PreCondition() const
+{
+    return d->m_session.PreCondition();
+}
+void ctlFieldbridge::setMainQuery(const QString& text)
+{
+    d->m_session.setMainQuery(text);
+}
+QString ctlFieldbridge::MainQuery() const
+{
+    return d->m_session.MainQuery();
+}
+QString ctlFieldbridge::FieldMapping() const
+{
+    return d->m_session.FieldMapping();
+}
+void ctlFieldbridge::setFieldMapping(const QString& rule)
+{
+    d->m_session.setFieldMapping(rule);
+}
 int ctlFieldbridge::GetListItemNumber(const QString& strFieldName) const
 {
     return d->m_session.GetListItemNumber(strFieldName);
 }
-void ctlFieldbridge::ShowControl() { d->m_session.ShowControl(); }
+void ctlFieldbridge::ShowControl()
+{
+    d->m_session.ShowControl();
+}
 void ctlFieldbridge::SetTextNumber(const QString& StrType, int LngTextNumber, const QString& StrKey1,
                                    const QString& StrKey2)
 {
@@ -269,9 +328,15 @@ int ctlFieldbridge::GetRowNumber(const QString& i_StrFieldName) const
 {
     return d->m_session.GetRowNumber(i_StrFieldName);
 }
-void ctlFieldbridge::GridEdit(short KeyAscii) { d->m_session.GridEdit(KeyAscii); }
+void ctlFieldbridge::GridEdit(short KeyAscii)
+{
+    d->m_session.GridEdit(KeyAscii);
+}
 
-QUndoStack* ctlFieldbridge::undoStack() const { return d->m_undoStack; }
+QUndoStack* ctlFieldbridge::undoStack() const
+{
+    return d->m_undoStack;
+}
 
 QStringList ctlFieldbridge::CheckMapping()
 {

@@ -2,8 +2,8 @@
 
 #include "BoxText.h"
 #include "Twips.h"
-#include "Workbench.h"
 #include "Widgets.h"
+#include "Workbench.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -63,7 +63,8 @@ QTreeView* makeFieldList(QWidget* parent, const QString& name, FieldFilterModel*
 }
 } // namespace
 
-DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGroupBox(parent), m_session(session)
+DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent)
+    : QGroupBox(parent), m_session(session)
 {
     setObjectName(QStringLiteral("FrmRules"));
 
@@ -72,27 +73,32 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_cmbDump->resize(TwipsToPixelsX(2895, this), TwipsToPixelsY(kRowHeight, this));
     m_lblDump->setBuddy(m_cmbDump);
     m_command1 = makeButton(this, QStringLiteral("Command1"), QStringLiteral("Sho&w"), 855);
-    m_lblTargetTable = makeLabel(this, QStringLiteral("lblTargetTable"), QStringLiteral("For Target Table:"), 1455);
+    m_lblTargetTable =
+        makeLabel(this, QStringLiteral("lblTargetTable"), QStringLiteral("For Target Table:"), 1455);
     m_cmbTargetTable = MakeChild<QComboBox>(this, QStringLiteral("CmbTargetTable"));
     m_cmbTargetTable->resize(TwipsToPixelsX(1935, this), TwipsToPixelsY(kRowHeight, this));
     m_lblTargetTableName = makeLabel(this, QStringLiteral("LBLTargetTableName"), QString(), 1455);
     m_cmdChange = makeButton(this, QStringLiteral("CmdChange"), QStringLiteral("Cha&nge..."), 1095);
 
-    m_lblSourceFields = makeLabel(this, QStringLiteral("lblSourceFields"), QStringLiteral("Source Fields"), 2000);
-    m_lstSourceFields =
-        makeFieldList(this, QStringLiteral("lstSourceFields"), session.shownSourceFields(), session.sourceFields());
-    m_lblTargetFields = makeLabel(this, QStringLiteral("lblTargetFields"), QStringLiteral("Target Fields"), 2000);
-    m_lstTargetFields =
-        makeFieldList(this, QStringLiteral("lstTargetFields"), session.shownTargetFields(), session.targetFields());
+    m_lblSourceFields =
+        makeLabel(this, QStringLiteral("lblSourceFields"), QStringLiteral("Source Fields"), 2000);
+    m_lstSourceFields = makeFieldList(this, QStringLiteral("lstSourceFields"), session.shownSourceFields(),
+                                      session.sourceFields());
+    m_lblTargetFields =
+        makeLabel(this, QStringLiteral("lblTargetFields"), QStringLiteral("Target Fields"), 2000);
+    m_lstTargetFields = makeFieldList(this, QStringLiteral("lstTargetFields"), session.shownTargetFields(),
+                                      session.targetFields());
 
     m_cmdMap = makeButton(this, QStringLiteral("CmdMap"), QStringLiteral("Ma&p"), 975);
     m_cmdGuess = makeButton(this, QStringLiteral("CmdGuess"), QStringLiteral("&Guess"), 975);
-    m_cmdCopyDump = makeButton(this, QStringLiteral("CmdCopyDump"), QStringLiteral("Cop&y from dump.."), 1695);
+    m_cmdCopyDump =
+        makeButton(this, QStringLiteral("CmdCopyDump"), QStringLiteral("Cop&y from dump.."), 1695);
     m_cmdEditRule = makeButton(this, QStringLiteral("CmdEditRule"), QStringLiteral("Edit &Rule"), 1095);
     m_cmdDumpText = makeButton(this, QStringLiteral("CmdDumpText"), QStringLiteral("Te&xt"), 975);
     m_cmdFuncBuild = makeButton(this, QStringLiteral("CmdFuncBuild"), QStringLiteral("&Build"), 975);
     m_cmdSuggest = makeButton(this, QStringLiteral("CmdSuggest"), QStringLiteral("Suggest..."), 1095);
-    m_cmdSuggest->setToolTip(QStringLiteral("Suggest source fields for the target fields, with their reasons"));
+    m_cmdSuggest->setToolTip(
+        QStringLiteral("Suggest source fields for the target fields, with their reasons"));
 
     m_details = MakeChild<QGroupBox>(this, QStringLiteral("Details"));
     m_details->setTitle(QStringLiteral("F&ields of Dump: "));
@@ -114,7 +120,8 @@ DefineDumpsView::DefineDumpsView(MappingSession& session, QWidget* parent) : QGr
     m_txtgrdline->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_txtgrdline->hide();
     m_details->setFocusProxy(nullptr);
-    m_workbench = new Workbench(session, this, {m_lstSourceFields, m_lstTargetFields, m_rulesGrid, m_cmbDump});
+    m_workbench =
+        new Workbench(session, this, {m_lstSourceFields, m_lstTargetFields, m_rulesGrid, m_cmbDump});
     connectSession();
 }
 
@@ -132,8 +139,8 @@ void DefineDumpsView::LayoutChildren()
     // Top row: dump selector, target table.
     int x = margin;
     const int top = py(300);
-    for (QWidget* c : std::initializer_list<QWidget*>{m_lblDump, m_cmbDump, m_command1, m_lblTargetTable, m_cmbTargetTable,
-                                                      m_lblTargetTableName, m_cmdChange}) {
+    for (QWidget* c : std::initializer_list<QWidget*>{m_lblDump, m_cmbDump, m_command1, m_lblTargetTable,
+                                                      m_cmbTargetTable, m_lblTargetTableName, m_cmdChange}) {
         Place(c, x, top, c->width(), rowH);
         x += c->width() + small;
     }
@@ -176,7 +183,8 @@ void DefineDumpsView::LayoutChildren()
     const int problemsH = std::max((h - detailsTop) / 5, rowH * 2);
     const int detailsH = h - detailsTop - py(kMargin) - problemsH - small;
     Place(m_details, margin, detailsTop, w - 2 * margin, detailsH);
-    Place(m_workbench->problems(), margin, detailsTop + std::max(detailsH, 0) + small, w - 2 * margin, problemsH);
+    Place(m_workbench->problems(), margin, detailsTop + std::max(detailsH, 0) + small, w - 2 * margin,
+          problemsH);
     const int inner = px(kMargin);
     const int titleH = m_details->fontMetrics().height() + py(60);
     Place(m_rulesGrid, inner, titleH, m_details->width() - 2 * inner, m_details->height() - titleH - inner);
@@ -254,7 +262,8 @@ void DefineDumpsView::showGridCurrent(bool scrollToTopIfHidden)
     if (index == m_rulesGrid->currentIndex())
         return;
     // Whether the row was in sight before the grid scrolls to it on its own.
-    const bool hidden = index.isValid() && !m_rulesGrid->viewport()->rect().contains(m_rulesGrid->visualRect(index));
+    const bool hidden =
+        index.isValid() && !m_rulesGrid->viewport()->rect().contains(m_rulesGrid->visualRect(index));
     m_showing = true;
     if (index.isValid())
         m_rulesGrid->setCurrentIndex(index);
@@ -309,7 +318,8 @@ void DefineDumpsView::connectSession()
     connect(s, &MappingSession::gridCurrentChanged, this, &DefineDumpsView::showGridCurrent);
     connect(s, &MappingSession::gridScrollToTop, m_rulesGrid, &QTableView::scrollToTop);
     connect(s, &MappingSession::targetFieldRequested, this, [this](int row) {
-        const QModelIndex index = m_session.shownTargetFields()->mapFromSource(m_session.targetFields()->index(row, 0));
+        const QModelIndex index =
+            m_session.shownTargetFields()->mapFromSource(m_session.targetFields()->index(row, 0));
         if (!index.isValid()) { // the find hides it: the session keeps it selected all the same
             m_showing = true;
             m_lstTargetFields->clearSelection();
@@ -351,8 +361,8 @@ void DefineDumpsView::connectSession()
         if (m_showing)
             return;
         const QModelIndex current = m_lstTargetFields->currentIndex();
-        const bool selected =
-            current.isValid() && m_lstTargetFields->selectionModel()->isRowSelected(current.row(), QModelIndex());
+        const bool selected = current.isValid() && m_lstTargetFields->selectionModel()->isRowSelected(
+                                                       current.row(), QModelIndex());
         m_session.setTargetFieldSelected(selected ? targetRowOf(current) : -1);
     });
     connect(m_rulesGrid, &QTableView::doubleClicked, s, &MappingSession::GridDoubleClicked);

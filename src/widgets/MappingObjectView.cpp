@@ -1,7 +1,7 @@
 #include "MappingObjectView.h"
 
-#include "ScriptEditor.h"
 #include "BoxText.h"
+#include "ScriptEditor.h"
 #include "Twips.h"
 #include "Widgets.h"
 
@@ -49,7 +49,8 @@ QPushButton* makeButton(QWidget* parent, const QString& name, const QString& cap
 }
 } // namespace
 
-MappingObjectView::MappingObjectView(MappingSession& session, QWidget* parent) : QGroupBox(parent), m_session(session)
+MappingObjectView::MappingObjectView(MappingSession& session, QWidget* parent)
+    : QGroupBox(parent), m_session(session)
 {
     setObjectName(QStringLiteral("FrmCondition"));
     setFlat(true); // the frame has no border
@@ -60,7 +61,8 @@ MappingObjectView::MappingObjectView(MappingSession& session, QWidget* parent) :
     m_sourceTables = new QStandardItemModel(0, 1, this);
     m_sourceTables->setHorizontalHeaderLabels({QStringLiteral("Source Tables")});
     m_lstSourceTables = makeList(this, QStringLiteral("lstSourceTables"), m_sourceTables, true);
-    m_cmdSelectSource = makeButton(this, QStringLiteral("CmdSelectSource"), QStringLiteral("Sele&ct..."), 1215);
+    m_cmdSelectSource =
+        makeButton(this, QStringLiteral("CmdSelectSource"), QStringLiteral("Sele&ct..."), 1215);
 
     m_lblMigrateSource = MakeChild<QLabel>(this, QStringLiteral("lblMigrateSource"));
     m_lblMigrateSource->setText(QStringLiteral("Migrate Sources"));
@@ -88,7 +90,8 @@ MappingObjectView::MappingObjectView(MappingSession& session, QWidget* parent) :
     m_picMQResize->setToolTip(QStringLiteral("Enlarge or restore the main query"));
 
     m_cmdFunction = makeButton(this, QStringLiteral("CmdFunction"), QStringLiteral("F&unctions"), 1215);
-    m_cmdVariables = makeButton(this, QStringLiteral("CmdVariables"), QStringLiteral("Variable&s / Includes"), 2055);
+    m_cmdVariables =
+        makeButton(this, QStringLiteral("CmdVariables"), QStringLiteral("Variable&s / Includes"), 2055);
     m_txtFunctions = MakeChild<ScriptEditor>(this, QStringLiteral("txtFunctions"));
     m_txtVariables = MakeChild<ScriptEditor>(this, QStringLiteral("txtVariables"));
     m_cmdOk = makeButton(this, QStringLiteral("CmdOk"), QStringLiteral("&OK"), 975);
@@ -105,19 +108,21 @@ void MappingObjectView::SetResizeIcons(bool mainQueryEnlarged, bool precondition
 {
     // IMGMAX offers to enlarge, IMGMIN to restore.
     m_picMQResize->setIcon(QIcon(mainQueryEnlarged ? QStringLiteral(":/fieldbridge/IMGMIN.xpm")
-                                                 : QStringLiteral(":/fieldbridge/IMGMAX.xpm")));
+                                                   : QStringLiteral(":/fieldbridge/IMGMAX.xpm")));
     m_picPreResize->setIcon(QIcon(preconditionEnlarged ? QStringLiteral(":/fieldbridge/IMGMIN.xpm")
-                                                     : QStringLiteral(":/fieldbridge/IMGMAX.xpm")));
+                                                       : QStringLiteral(":/fieldbridge/IMGMAX.xpm")));
 }
 
 QList<QWidget*> MappingObjectView::PreconditionGroup() const
 {
-    return {m_txtPreCondition, m_cmdBuildPre, m_cmdPreDoc, m_cmdPreEditor, m_picPreResize, m_cmdFunction, m_cmdVariables};
+    return {m_txtPreCondition, m_cmdBuildPre, m_cmdPreDoc,   m_cmdPreEditor,
+            m_picPreResize,    m_cmdFunction, m_cmdVariables};
 }
 
 QList<QWidget*> MappingObjectView::MainQueryGroup() const
 {
-    return {m_txtMainQuery, m_cmdBuildMQ, m_cmdMQDoc, m_cmdMqEditor, m_picMQResize, m_cmdFunction, m_cmdVariables, m_lblMainQuery};
+    return {m_txtMainQuery, m_cmdBuildMQ,  m_cmdMQDoc,     m_cmdMqEditor,
+            m_picMQResize,  m_cmdFunction, m_cmdVariables, m_lblMainQuery};
 }
 
 QList<QWidget*> MappingObjectView::OkCancelGroup() const

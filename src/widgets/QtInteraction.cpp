@@ -91,8 +91,8 @@ QString QtInteraction::ChooseTargetTable(qint16 dumpNumber, const QStringList& t
     return dialog.chosenTable();
 }
 
-QList<AcceptedSuggestion> QtInteraction::ReviewSuggestions(const QString& title, const QList<SuggestionRow>& rows,
-                                                         double threshold)
+QList<AcceptedSuggestion> QtInteraction::ReviewSuggestions(const QString& title,
+                                                           const QList<SuggestionRow>& rows, double threshold)
 {
     FrmSuggest dialog(title, rows, threshold, m_owner);
     return dialog.exec() == QDialog::Accepted ? dialog.accepted() : QList<AcceptedSuggestion>();

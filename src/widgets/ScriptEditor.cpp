@@ -3,14 +3,12 @@
 #include "core/document/TextCodec.h"
 #include "core/scripts/ScriptScanner.h"
 
-#include <Qsci/qscilexercustom.h>
-
 #include <QFontDatabase>
+#include <QKeyEvent>
 #include <QListWidget>
 #include <QScreen>
-
+#include <Qsci/qscilexercustom.h>
 #include <algorithm>
-#include <QKeyEvent>
 
 namespace fb {
 
@@ -21,8 +19,8 @@ enum Style { Default = 0, Keyword = 1, Reference = 2 };
 // Characters of a field name as scripts write it (table.field), in bytes.
 bool isWordByte(char c)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
-           c == '$';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '.' || c == '$';
 }
 
 // Colours the two keywords that carry structure, found as the scanner finds
@@ -115,7 +113,6 @@ ScriptEditor::ScriptEditor(QWidget* parent) : QsciScintilla(parent)
     setAutoCompletionSource(AcsNone);
 }
 
-
 void ScriptEditor::setCompletionSource(std::function<QStringList()> source)
 {
     m_completionSource = std::move(source);
@@ -200,8 +197,9 @@ void ScriptEditor::showCompletionList(const QStringList& words)
     connect(list, &QListWidget::itemClicked, this, accept);
 
     const long pos = SendScintilla(SCI_GETCURRENTPOS);
-    const QPoint caret(int(SendScintilla(SCI_POINTXFROMPOSITION, 0UL, pos)),
-                       int(SendScintilla(SCI_POINTYFROMPOSITION, 0UL, pos) + SendScintilla(SCI_TEXTHEIGHT, 0UL)));
+    const QPoint caret(
+        int(SendScintilla(SCI_POINTXFROMPOSITION, 0UL, pos)),
+        int(SendScintilla(SCI_POINTYFROMPOSITION, 0UL, pos) + SendScintilla(SCI_TEXTHEIGHT, 0UL)));
     const int rows = int(std::min<qsizetype>(words.size(), 10));
     const QSize size(std::max(list->sizeHintForColumn(0) + 2 * list->frameWidth() + 24, 160),
                      rows * list->sizeHintForRow(0) + 2 * list->frameWidth());

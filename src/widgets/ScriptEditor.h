@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Qsci/qsciscintilla.h>
-
 #include <functional>
 
 namespace fb {

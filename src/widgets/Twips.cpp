@@ -1,7 +1,6 @@
 #include "Twips.h"
 
 #include <QWidget>
-
 #include <cmath>
 
 namespace fb {

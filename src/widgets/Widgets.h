@@ -7,8 +7,7 @@ namespace fb {
 
 // Creates a child widget with its objectName; text (when given) becomes the
 // caption through the widget's own setText or setTitle.
-template <typename W>
-W* MakeChild(QWidget* parent, const QString& objectName)
+template <typename W> W* MakeChild(QWidget* parent, const QString& objectName)
 {
     auto* w = new W(parent);
     w->setObjectName(objectName);

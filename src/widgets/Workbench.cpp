@@ -78,15 +78,15 @@ Workbench::Workbench(MappingSession& session, QWidget* page, const Lists& lists)
         m_session.shownSourceFields()->setFilterWords(text);
         showHiddenTicks();
     });
-    connect(m_findTarget, &QLineEdit::textChanged, this, [this](const QString& text) {
-        m_session.shownTargetFields()->setFilterWords(text);
-    });
+    connect(m_findTarget, &QLineEdit::textChanged, this,
+            [this](const QString& text) { m_session.shownTargetFields()->setFilterWords(text); });
     connect(session.sourceFields(), &QAbstractItemModel::dataChanged, this, &Workbench::showHiddenTicks);
     connect(session.sourceFields(), &QAbstractItemModel::modelReset, this, &Workbench::showHiddenTicks);
     connect(m_unmappedOnly, &QCheckBox::toggled, &session, &MappingSession::setUnmappedOnly);
     connect(&session, &MappingSession::coverageChanged, this,
             [this] { m_coverage->setText(m_session.coverageText()); });
-    connect(m_problems, &QListView::activated, this, [this](const QModelIndex& i) { m_session.ShowProblem(i.row()); });
+    connect(m_problems, &QListView::activated, this,
+            [this](const QModelIndex& i) { m_session.ShowProblem(i.row()); });
     for (QLineEdit* box : {m_findSource, m_findTarget})
         box->installEventFilter(this);
     showHiddenTicks();

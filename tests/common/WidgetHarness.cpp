@@ -50,14 +50,16 @@ QString rulesDocument()
 QString XmlElement::attribute(const QString& a) const
 {
     for (const auto& [key, value] : attributes)
-        if (key == a) return value;
+        if (key == a)
+            return value;
     return {};
 }
 
 XmlElement XmlElement::child(const QString& childName, const QString& a, const QString& value) const
 {
     for (const XmlElement& c : children)
-        if (c.name == childName && (a.isEmpty() || c.attribute(a) == value)) return c;
+        if (c.name == childName && (a.isEmpty() || c.attribute(a) == value))
+            return c;
     return {};
 }
 
@@ -92,7 +94,8 @@ XmlElement parseXml(const QString& text, bool exact)
     XmlElement root;
     while (!reader.atEnd()) {
         reader.readNext();
-        if (reader.isStartElement() && root.isNull()) root = readElement(reader, exact);
+        if (reader.isStartElement() && root.isNull())
+            root = readElement(reader, exact);
     }
     return reader.hasError() ? XmlElement() : root; // a second root is an error too
 }
@@ -125,7 +128,8 @@ ModalAnswerer::Answer ModalAnswerer::press(QMessageBox::StandardButton which)
 {
     return [which](QWidget* w) {
         auto* box = qobject_cast<QMessageBox*>(w);
-        if (box && box->button(which)) QTest::mouseClick(box->button(which), Qt::LeftButton);
+        if (box && box->button(which))
+            QTest::mouseClick(box->button(which), Qt::LeftButton);
     };
 }
 
@@ -140,7 +144,8 @@ ModalAnswerer::Answer ModalAnswerer::document(bool ok, const QString& typed)
         auto* button = w->findChild<QAbstractButton*>(ok ? u"CmdOk"_s : u"CmdCancel"_s);
         if (!button || !button->isEnabled())
             button = w->findChild<QAbstractButton*>(u"CmdCancel"_s); // a disabled OK cannot be clicked
-        if (button) QTest::mouseClick(button, Qt::LeftButton);
+        if (button)
+            QTest::mouseClick(button, Qt::LeftButton);
     };
 }
 
@@ -163,7 +168,8 @@ ModalAnswerer::Answer ModalAnswerer::input(const QString& text, bool ok)
 {
     return [text, ok](QWidget* w) {
         auto* dialog = qobject_cast<QInputDialog*>(w);
-        if (!dialog) return;
+        if (!dialog)
+            return;
         if (auto* edit = dialog->findChild<QLineEdit*>()) {
             edit->selectAll();
             QTest::keyClicks(edit, text);
@@ -176,7 +182,8 @@ void ModalAnswerer::close(QWidget* w)
 {
     auto* box = qobject_cast<QMessageBox*>(w);
     QAbstractButton* b = box ? box->escapeButton() : nullptr;
-    if (box && !b && !box->buttons().isEmpty()) b = box->buttons().constFirst();
+    if (box && !b && !box->buttons().isEmpty())
+        b = box->buttons().constFirst();
     if (b)
         b->click();
     else if (auto* dialog = qobject_cast<QDialog*>(w))
@@ -188,7 +195,8 @@ void ModalAnswerer::close(QWidget* w)
 void ModalAnswerer::poll()
 {
     QWidget* modal = QApplication::activeModalWidget();
-    if (!modal || modal == m_current) return;
+    if (!modal || modal == m_current)
+        return;
     m_current = modal;
 
     ModalRecord r;
@@ -217,9 +225,11 @@ void ModalAnswerer::poll()
     QMetaObject::invokeMethod(
         this,
         [this, target, answer, name = r.className] {
-            if (target && answer) answer(target);
+            if (target && answer)
+                answer(target);
             if (target && target->isVisible()) {
-                if (answer) m_unexpected.append(name + u" (left open)"_s);
+                if (answer)
+                    m_unexpected.append(name + u" (left open)"_s);
                 close(target);
             }
             m_current = nullptr; // the same dialog may be shown again
@@ -300,7 +310,8 @@ void typeText(QWidget* target, const QString& text)
 bool keyToFocus(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
     QWidget* f = QApplication::focusWidget();
-    if (f) QTest::keyClick(f, key, modifiers);
+    if (f)
+        QTest::keyClick(f, key, modifiers);
     return f;
 }
 
@@ -369,7 +380,8 @@ void Host::replaceText(const QString& boxName, const QString& text) const
 void Host::chooseDump(int number) const
 {
     auto* cmb = find<QComboBox>(u"CmbDump"_s);
-    if (!keyToFocus(Qt::Key_U, Qt::AltModifier)) QTest::keyClick(ctl, Qt::Key_U, Qt::AltModifier);
+    if (!keyToFocus(Qt::Key_U, Qt::AltModifier))
+        QTest::keyClick(ctl, Qt::Key_U, Qt::AltModifier);
     QTest::keyClick(cmb, Qt::Key_F4);
     // Arrows move through the open list to the entry, Enter takes it.
     QAbstractItemView* list = cmb->view();

@@ -26,7 +26,7 @@ using namespace Qt::StringLiterals;
 // Drops the lines the offscreen platform prints for every window it shows.
 void installMessageFilter();
 QString readSample(const QString& fileName); // from $FIELDBRIDGE_EXAMPLES
-inline QString tempDir() // $FIELDBRIDGE_TEMP, ending in '/'
+inline QString tempDir()                     // $FIELDBRIDGE_TEMP, ending in '/'
 {
     return qEnvironmentVariable("FIELDBRIDGE_TEMP") + u'/';
 }

@@ -87,7 +87,8 @@ QString randomFields(Random& rnd, QStringList* names = nullptr)
     QString out;
     for (int i = 1, n = 2 + int(rnd.below(4)); i <= n; ++i) {
         const QString field = pool.takeAt(rnd.below(quint32(pool.size())));
-        if (names) names->append(field.section(u' ', 0, 0));
+        if (names)
+            names->append(field.section(u' ', 0, 0));
         out += u"<%1 No=\"%2\" FNo=\"%2\" %3/>"_s.arg(field.section(u' ', 0, 0))
                    .arg(i)
                    .arg(field.section(u' ', 1));
@@ -223,11 +224,13 @@ void act(Host& host, Random& rnd, bool edit)
     static const QList<QKeyCombination> keys = keyTable();
     while (host.modals.pending() < 8) // every box gets an answer
         host.modals.expect(randomAnswer(rnd));
-    if (!host.window->isActiveWindow() && !QApplication::activePopupWidget()) host.activate();
+    if (!host.window->isActiveWindow() && !QApplication::activePopupWidget())
+        host.activate();
     QWidget* popup = QApplication::activePopupWidget();
     QList<QWidget*> parts, all = (popup ? popup : host.ctl)->findChildren<QWidget*>();
     for (QWidget* w : all << popup)
-        if (w && w->isVisible() && w->isEnabled() && w->width() > 0 && w->height() > 0) parts.append(w);
+        if (w && w->isVisible() && w->isEnabled() && w->width() > 0 && w->height() > 0)
+            parts.append(w);
     QWidget* focus = popup ? (popup->focusWidget() ? popup->focusWidget() : popup)
                            : (QApplication::focusWidget() ? QApplication::focusWidget() : host.ctl);
     const quint32 kind = rnd.below(edit ? 100 : 85);
@@ -323,7 +326,8 @@ private Q_SLOTS:
                 u"the document changed at character %1:\n  before: ...%2...\n  after:  ...%3..."_s.arg(at)
                     .arg(excerpt(before), excerpt(after)));
         host.modals.clear();
-        if (!problems.isEmpty()) printSteps(); // a test message would be cut short
+        if (!problems.isEmpty())
+            printSteps(); // a test message would be cut short
         QVERIFY2(problems.isEmpty(), qPrintable(g_replay + u'\n' + problems.join(u'\n')));
     }
 };

@@ -41,7 +41,8 @@ QString escapeXml(const QString& text, bool attribute)
 {
     QString out = QString(text).replace(u'&', u"&amp;"_s).replace(u'<', u"&lt;"_s).replace(u'>', u"&gt;"_s);
     out.replace(u'\r', u"&#13;"_s);
-    if (attribute) out.replace(u'"', u"&quot;"_s).replace(u'\n', u"&#10;"_s).replace(u'\t', u"&#9;"_s);
+    if (attribute)
+        out.replace(u'"', u"&quot;"_s).replace(u'\n', u"&#10;"_s).replace(u'\t', u"&#9;"_s);
     return out;
 }
 
@@ -88,7 +89,8 @@ Generated generate(quint32 seed)
     for (int d = 0; d < 2; ++d) {
         dumps += u"<DUMP No=\"%1\" TXT=\"%2\">"_s.arg(d + 1).arg(d == 0 ? u"First"_s : u"Second"_s);
         for (int f = 0; f < kFields.size(); ++f) {
-            if (random.bounded(3) == 0) continue;
+            if (random.bounded(3) == 0)
+                continue;
             const QString ruleText = text(true), type = QString::number(random.bounded(2));
             g.rules[d].append({kFields[f], QString::number(f + 1), ruleText, type,
                                random.bounded(2) ? text(false) : QString()});
@@ -118,7 +120,8 @@ bool sameDocument(const XmlElement& a, const XmlElement& b)
         a.children.size() != b.children.size())
         return false;
     for (qsizetype i = 0; i < a.children.size(); ++i)
-        if (!sameDocument(a.children[i], b.children[i])) return false;
+        if (!sameDocument(a.children[i], b.children[i]))
+            return false;
     return true;
 }
 
@@ -146,7 +149,8 @@ class RoundTripTest : public HostTest {
     // A whole session on the document; false when a step did not happen.
     bool session(const Generated& g)
     {
-        if (!host->open(u"rules001"_s, g.xml)) return false;
+        if (!host->open(u"rules001"_s, g.xml))
+            return false;
         host->clickTab(1);
         host->chooseDump(2);
         host->chooseDump(1);
@@ -157,7 +161,8 @@ class RoundTripTest : public HostTest {
             host->click(u"CmdDumpText"_s);
         }
         host->clickTab(0);
-        if (!host->activate()) return false;
+        if (!host->activate())
+            return false;
         host->modals.expect(ModalAnswerer::document(true));
         host->click(u"CmdPreDoc"_s);
         for (const QString& button : {u"CmdFunction"_s, u"CmdOk"_s, u"CmdVariables"_s, u"CmdOk"_s})
@@ -205,7 +210,8 @@ private Q_SLOTS:
                     const QString text = shownAndStored(asParsed(r.text));
                     const XmlElement e = dump.child(r.field);
                     const QString what = u"dump %1 %2"_s.arg(d + 1).arg(r.field);
-                    if (text.isEmpty()) continue; // an empty rule's element goes
+                    if (text.isEmpty())
+                        continue; // an empty rule's element goes
                     kept.append(r.field);
                     check(what, e.text, text);
                     check(what + u" TYPE"_s, e.attribute(u"TYPE"_s), text.contains(u'\n') ? u"1"_s : u"0"_s);

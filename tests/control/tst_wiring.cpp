@@ -46,11 +46,14 @@ private Q_SLOTS:
         method("method", u"GetRowNumber(QString)"_s, {u"i_StrFieldName"_s});
         method("method", u"GridEdit(short)"_s, {u"KeyAscii"_s});
         method("signal", u"ShowSourceTablesPopUp(QString)"_s, {u"i_SourceTables"_s});
-        method("signal", u"ShowConditionBuilderPopUp(QString,QString)"_s, {u"i_ConditionString"_s, u"i_SourceTables"_s});
-        method("signal", u"ShowQueryBuilderPopUp(QString,QString)"_s, {u"i_QueryString"_s, u"i_SourceTables"_s});
+        method("signal", u"ShowConditionBuilderPopUp(QString,QString)"_s,
+               {u"i_ConditionString"_s, u"i_SourceTables"_s});
+        method("signal", u"ShowQueryBuilderPopUp(QString,QString)"_s,
+               {u"i_QueryString"_s, u"i_SourceTables"_s});
         method("signal", u"ShowFunctionalTextPopUp(QString,int,QString,QString)"_s,
                {u"DocType"_s, u"LngTextNumber"_s, u"StrKey1"_s, u"StrKey2"_s});
-        method("signal", u"ShowFunctionBuilderPopUp(QString,QString)"_s, {u"StrCondition"_s, u"StrSourceTables"_s});
+        method("signal", u"ShowFunctionBuilderPopUp(QString,QString)"_s,
+               {u"StrCondition"_s, u"StrSourceTables"_s});
         method("signal", u"SaveDoneDisabled()"_s, {});
         method("signal", u"SaveDoneEnabled()"_s, {});
     }
@@ -67,7 +70,8 @@ private Q_SLOTS:
             QCOMPARE(QString::fromLatin1(p.typeName()), parameters.first());
             return;
         }
-        const int index = kind == u"signal"_s ? mo->indexOfSignal(name.constData()) : mo->indexOfMethod(name.constData());
+        const int index =
+            kind == u"signal"_s ? mo->indexOfSignal(name.constData()) : mo->indexOfMethod(name.constData());
         QVERIFY2(index >= 0, name.constData());
         QStringList names;
         for (const QByteArray& n : mo->method(index).parameterNames())
@@ -78,12 +82,12 @@ private Q_SLOTS:
     // Every screen control a host or a test reads generically, by its kind.
     void screenControlsByKind()
     {
-        const QStringList buttons{u"CmdSelectSource"_s, u"CmdBuildPre"_s, u"CmdPreDoc"_s, u"CmdPreEditor"_s,
-                                  u"PicPreResize"_s, u"cmdBuildMQ"_s, u"CmdMQDoc"_s, u"CmdMqEditor"_s,
-                                  u"PicMQResize"_s, u"CmdFunction"_s, u"CmdVariables"_s, u"CmdOk"_s,
-                                  u"CmdCancel"_s, u"CmdFuncEditor"_s, u"Command1"_s, u"CmdChange"_s,
-                                  u"CmdMap"_s, u"CmdGuess"_s, u"CmdCopyDump"_s, u"CmdEditRule"_s,
-                                  u"CmdDumpText"_s, u"CmdFuncBuild"_s};
+        const QStringList buttons{
+            u"CmdSelectSource"_s, u"CmdBuildPre"_s, u"CmdPreDoc"_s,   u"CmdPreEditor"_s,  u"PicPreResize"_s,
+            u"cmdBuildMQ"_s,      u"CmdMQDoc"_s,    u"CmdMqEditor"_s, u"PicMQResize"_s,   u"CmdFunction"_s,
+            u"CmdVariables"_s,    u"CmdOk"_s,       u"CmdCancel"_s,   u"CmdFuncEditor"_s, u"Command1"_s,
+            u"CmdChange"_s,       u"CmdMap"_s,      u"CmdGuess"_s,    u"CmdCopyDump"_s,   u"CmdEditRule"_s,
+            u"CmdDumpText"_s,     u"CmdFuncBuild"_s};
         for (const QString& name : buttons)
             QVERIFY2(host->button(name), qPrintable(name));
         for (const QString& name : {u"lblPreCondition"_s, u"lblTargetTable"_s, u"LBLTargetTableName"_s})
@@ -95,10 +99,11 @@ private Q_SLOTS:
         for (const QString& name : {u"lstSourceTables"_s, u"lstMigrateSource"_s, u"lstSourceFields"_s,
                                     u"lstTargetFields"_s, u"RulesGrid"_s})
             QVERIFY2(host->view(name), qPrintable(name));
-        for (const QString& name : {u"txtPreCondition"_s, u"txtMainQuery"_s, u"txtFunctions"_s, u"txtVariables"_s,
-                                    u"txtgrdline"_s}) {
+        for (const QString& name : {u"txtPreCondition"_s, u"txtMainQuery"_s, u"txtFunctions"_s,
+                                    u"txtVariables"_s, u"txtgrdline"_s}) {
             QWidget* box = host->find(name);
-            QVERIFY2(box && box->property("plainText").isValid() && box->property("readOnly").isValid(), qPrintable(name));
+            QVERIFY2(box && box->property("plainText").isValid() && box->property("readOnly").isValid(),
+                     qPrintable(name));
         }
         QCOMPARE(host->tabs()->tabText(0), u"Mapping Object"_s);
         QCOMPARE(host->tabs()->tabText(1), u"Define Dumps"_s);
@@ -118,7 +123,8 @@ private Q_SLOTS:
         QVERIFY(host->openSample(u"klmno001.xml"_s, edit));
         QVERIFY(host->text(u"txtPreCondition"_s).contains(u"migrate uvwxy003"_s));
         QVERIFY(host->text(u"txtMainQuery"_s).startsWith(u"select pqrst002.*\n"_s));
-        QCOMPARE(host->rows(u"lstSourceTables"_s), (QStringList{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s}));
+        QCOMPARE(host->rows(u"lstSourceTables"_s),
+                 (QStringList{u"pqrst002"_s, u"uvwxy003"_s, u"abcde004"_s}));
         QCOMPARE(host->rows(u"lstMigrateSource"_s),
                  (QStringList{u"migrate pqrst002"_s, QString(), u"migrate uvwxy003"_s, QString()}));
         QCOMPARE(host->readOnly(u"txtPreCondition"_s), !edit);
@@ -273,9 +279,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("box");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("completed"); // "" when a list is offered
-        QTest::newRow("unique match") << u"txtPreCondition"_s << u"x = pqrst002.cus"_s << u"x = pqrst002.custno"_s;
-        QTest::newRow("any case") << u"txtMainQuery"_s << u"where UVWXY003.STR"_s << u"where uvwxy003.street"_s;
-        QTest::newRow("list beyond the screen") << u"txtMainQuery"_s << QString(130, u' ') + u"y = "_s << QString();
+        QTest::newRow("unique match")
+            << u"txtPreCondition"_s << u"x = pqrst002.cus"_s << u"x = pqrst002.custno"_s;
+        QTest::newRow("any case") << u"txtMainQuery"_s << u"where UVWXY003.STR"_s
+                                  << u"where uvwxy003.street"_s;
+        QTest::newRow("list beyond the screen")
+            << u"txtMainQuery"_s << QString(130, u' ') + u"y = "_s << QString();
     }
     void completion()
     {

@@ -6,10 +6,10 @@
 #include "WidgetHarness.h"
 
 #include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
-#include <QDialogButtonBox>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QUndoStack>
@@ -50,7 +50,8 @@ private Q_SLOTS:
         host->clickInto(u"txtFindSource"_s);
         typeText(box(u"txtFindSource"_s), u"SRCAA001 n"_s);
         QCOMPARE(fbtest::rows(host->sourceFields(), 2),
-                 (QStringList{u"srcaa001.custno"_s, u"srcaa001.name"_s, u"srcaa001.born"_s, u"srcaa001.note(2)"_s}));
+                 (QStringList{u"srcaa001.custno"_s, u"srcaa001.name"_s, u"srcaa001.born"_s,
+                              u"srcaa001.note(2)"_s}));
         QVERIFY(host->find<QLabel>(u"lblSourceHidden"_s)->isVisible());
         QCOMPARE(host->find<QLabel>(u"lblSourceHidden"_s)->text(), u"1 ticked field hidden by the find"_s);
         // The hidden tick still counts for Ma&p, and the list still answers
@@ -125,7 +126,8 @@ private Q_SLOTS:
         host->modals.expect(ModalAnswerer::press(QMessageBox::Yes));
         host->click(u"CmdGuess"_s);
         QUndoStack* stack = host->ctl->undoStack();
-        QVERIFY2(stack->undoText().startsWith(u"Guess: "_s) && stack->undoText().endsWith(u" rules in dump 1"_s),
+        QVERIFY2(stack->undoText().startsWith(u"Guess: "_s) &&
+                     stack->undoText().endsWith(u" rules in dump 1"_s),
                  qPrintable(stack->undoText()));
         stack->undo();
         QCOMPARE(host->rules(), firstDumpRules());
@@ -159,7 +161,8 @@ private Q_SLOTS:
         host->click(u"CmdSuggest"_s);
         QCOMPARE(host->modals.records().value(0).className, u"fb::FrmSuggest"_s);
         // Rows with a rule (custno, city, zip) never come ticked.
-        QVERIFY2(!seen.contains(u"rules001.custno"_s) && seen.contains(u"rules001.name"_s), qPrintable(seen.join(u' ')));
+        QVERIFY2(!seen.contains(u"rules001.custno"_s) && seen.contains(u"rules001.name"_s),
+                 qPrintable(seen.join(u' ')));
         QVERIFY(!host->rule(3).isEmpty());
         QVERIFY2(host->ctl->undoStack()->undoText().startsWith(u"Suggestions: "_s),
                  qPrintable(host->ctl->undoStack()->undoText()));
@@ -171,14 +174,16 @@ private Q_SLOTS:
     {
         QVERIFY(openRules(u"CITY"_s, u"srcxx001.city"_s));
         const QStringList problems = host->ctl->CheckMapping();
-        QVERIFY2(problems.contains(
-                     u"Error  dump 1  rules001.city: srcxx001 is not a listed source table (srcxx001.city)"_s),
-                 qPrintable(problems.join(u'\n')));
+        QVERIFY2(
+            problems.contains(
+                u"Error  dump 1  rules001.city: srcxx001 is not a listed source table (srcxx001.city)"_s),
+            qPrintable(problems.join(u'\n')));
         QCOMPARE(host->ctl->CheckErrorCount(), 1);
         auto* list = host->find<QListView>(u"lstProblems"_s);
         const int row = int(problems.indexOf(QRegularExpression(u"^Error.*"_s)));
         clickCell(list, row);
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(row, 0)).center());
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
+                           list->visualRect(list->model()->index(row, 0)).center());
         QCOMPARE(host->grid()->currentIndex().row(), 2);
         QVERIFY(host->focusIn(u"RulesGrid"_s));
     }

@@ -42,9 +42,11 @@ public:
         static const char* const icons[] = {"none", "critical", "exclamation", "information", "question"};
         static const char* const buttonSets[] = {"", " [ok/cancel]", " [yes/no]", " [yes/no/cancel]"};
         QString line = QString::fromLatin1(icons[int(icon)]) + QString::fromLatin1(buttonSets[int(buttons)]);
-        if (!title.isEmpty()) line += u" ("_s + title + u')';
+        if (!title.isEmpty())
+            line += u" ("_s + title + u')';
         log.append(line + u": "_s + prompt);
-        if (answers.empty()) return fb::FirstButton(buttons);
+        if (answers.empty())
+            return fb::FirstButton(buttons);
         const fb::MsgAnswer answer = answers.front();
         answers.pop_front();
         return answer;

@@ -167,8 +167,10 @@ private Q_SLOTS:
         QFETCH(QString, given);
         MappingDocument doc;
         QVERIFY(load(doc, wrapped(u"<PREC>"_s + (how == u"load" ? given : QString()) + u"</PREC>"_s)));
-        if (how == u"text") QVERIFY(doc.SetPreconditionText(given));
-        if (how == u"attribute") QVERIFY(doc.SetDocText(doc.GetPreconditionNode(), given));
+        if (how == u"text")
+            QVERIFY(doc.SetPreconditionText(given));
+        if (how == u"attribute")
+            QVERIFY(doc.SetDocText(doc.GetPreconditionNode(), given));
         const auto read = [&](MappingDocument& d) {
             return how == u"attribute" ? MappingDocument::DocText(d.GetPreconditionNode())
                                        : d.GetPreconditionText();

@@ -132,7 +132,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, targetExists);
         const QString victim = scratch->path() + u"/victim"_s;
-        if (targetExists) QVERIFY(fb::WriteTextFile(victim, u"precious"_s));
+        if (targetExists)
+            QVERIFY(fb::WriteTextFile(victim, u"precious"_s));
         const QString path = fb::TempFilePath(u"klmno001"_s, u".xml"_s);
         QVERIFY(QDir().mkpath(temp));
         QVERIFY(QFile::link(victim, path));
@@ -144,7 +145,8 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo(path).isSymLink());
         QCOMPARE(fb::ReadTextFile(path), u"<klmno001/>"_s);
         QCOMPARE(QFileInfo::exists(victim), targetExists);
-        if (targetExists) QCOMPARE(fb::ReadTextFile(victim), u"precious"_s);
+        if (targetExists)
+            QCOMPARE(fb::ReadTextFile(victim), u"precious"_s);
     }
 };
 

@@ -43,7 +43,8 @@ private Q_SLOTS:
         const QStringList values{u"1"_s, u"2"_s, u"3"_s, u"01"_s, u""_s};
 
         fb::MappingDocument doc;
-        QVERIFY(load(doc, wrapped(u"<DUMP No=\"1\"/><QUERY ST=\"2\">q</QUERY><DUMP No=\"1\">second</DUMP>"_s)));
+        QVERIFY(
+            load(doc, wrapped(u"<DUMP No=\"1\"/><QUERY ST=\"2\">q</QUERY><DUMP No=\"1\">second</DUMP>"_s)));
         QList<fb::SectionCopy> copies;
         for (int step = 0; step < 200; ++step) {
             const QString name = sections[pick(int(sections.size()))];
@@ -77,7 +78,8 @@ private Q_SLOTS:
             // Every lookup, by the index and by the walk.
             for (const QString& n : sections) {
                 const QString path = doc.SectionPath(n);
-                QVERIFY2(doc.GetNode(path) == walk(doc, n, {}, {}), qPrintable(u"step %1 %2"_s.arg(step).arg(n)));
+                QVERIFY2(doc.GetNode(path) == walk(doc, n, {}, {}),
+                         qPrintable(u"step %1 %2"_s.arg(step).arg(n)));
                 for (const QString& a : attrs)
                     for (const QString& v : values)
                         if (!v.isEmpty())

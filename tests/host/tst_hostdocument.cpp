@@ -36,7 +36,11 @@ private Q_SLOTS:
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.filePath(u"settings"_s));
         QCoreApplication::setOrganizationName(u"FieldbridgeTests"_s);
     }
-    void init() { m_document = HostDocument(); m_document.clearRecentFiles(); }
+    void init()
+    {
+        m_document = HostDocument();
+        m_document.clearRecentFiles();
+    }
 
     void decodesFiles_data()
     {
@@ -179,8 +183,9 @@ private Q_SLOTS:
         QTest::newRow("newest first, opened again moves up")
             << u"open 1, open 2, open 3, open 1"_s << u"1 3 2"_s;
         QTest::newRow("saving counts") << u"open 1, save 2"_s << u"2 1"_s;
-        QTest::newRow("eight at most") << u"open 1, open 2, open 3, open 4, open 5, open 6, open 7, open 8, open 9"_s
-                                       << u"9 8 7 6 5 4 3 2"_s;
+        QTest::newRow("eight at most")
+            << u"open 1, open 2, open 3, open 4, open 5, open 6, open 7, open 8, open 9"_s
+            << u"9 8 7 6 5 4 3 2"_s;
         QTest::newRow("forgotten") << u"open 1, open 2, forget 1"_s << u"2"_s;
         QTest::newRow("cleared") << u"open 1, clear"_s << QString();
     }

@@ -75,9 +75,12 @@ private Q_SLOTS:
         const Run run = runHost(QStringList{u"--screenshot"_s, target} + arguments);
         QVERIFY2(run.exitCode == 0, qPrintable(run.err));
         QVERIFY2(!run.err.contains(u"did not become current"_s), qPrintable(run.err));
-        QCOMPARE(run.out.mid(0, 2), (QStringList{target + u"/mapping-object.png"_s, target + u"/define-dumps.png"_s}));
+        QCOMPARE(run.out.mid(0, 2),
+                 (QStringList{target + u"/mapping-object.png"_s, target + u"/define-dumps.png"_s}));
         // The review of suggestions writes rules: only in edit mode.
-        QCOMPARE(run.out.mid(2), arguments.contains(u"--view"_s) ? QStringList() : QStringList{target + u"/suggestions.png"_s});
+        QCOMPARE(run.out.mid(2), arguments.contains(u"--view"_s)
+                                     ? QStringList()
+                                     : QStringList{target + u"/suggestions.png"_s});
         QImage pages[2];
         for (int i = 0; i < 2; ++i) {
             QVERIFY2(pages[i].load(run.out.at(i)), qPrintable(run.out.at(i)));

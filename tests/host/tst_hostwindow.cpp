@@ -46,8 +46,10 @@ class TestHostWindow : public QObject {
     QString m_path;
 
     QAction* action(const char* name) { return m_window->findChild<QAction*>(QString::fromLatin1(name)); }
-    template <typename T = QWidget>
-    T* part(const QString& name) { return m_window->control()->findChild<T*>(name); }
+    template <typename T = QWidget> T* part(const QString& name)
+    {
+        return m_window->control()->findChild<T*>(name);
+    }
     void click(const QString& name)
     {
         auto* button = part<QAbstractButton>(name);
@@ -286,14 +288,16 @@ private Q_SLOTS:
     void saveAsksBeforeRemovingWork()
     {
         QString text = readAll(m_path);
-        text.replace(u"</klmno001>"_s, u"<DUMP No=\"7\"><CUSTNO No=\"1\">kept.rule</CUSTNO></DUMP></klmno001>"_s);
+        text.replace(u"</klmno001>"_s,
+                     u"<DUMP No=\"7\"><CUSTNO No=\"1\">kept.rule</CUSTNO></DUMP></klmno001>"_s);
         QFile file(m_path);
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) > 0);
         file.close();
         QVERIFY(m_window->openFile(m_path));
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Cancel));
         QVERIFY(!m_window->save());
-        QCOMPARE(m_boxes->records().value(0).text, u"Saving removes work that no script references any more:"_s);
+        QCOMPARE(m_boxes->records().value(0).text,
+                 u"Saving removes work that no script references any more:"_s);
         QCOMPARE(readAll(m_path), text);
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Save));
         QVERIFY(m_window->save());
@@ -310,7 +314,8 @@ private Q_SLOTS:
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Yes));
         click(u"CmdGuess"_s);
         QVERIFY(action("actionUndo")->isEnabled());
-        QVERIFY2(action("actionUndo")->text().contains(u"Guess: "_s), qPrintable(action("actionUndo")->text()));
+        QVERIFY2(action("actionUndo")->text().contains(u"Guess: "_s),
+                 qPrintable(action("actionUndo")->text()));
         action("actionUndo")->trigger();
         QCOMPARE(rows(part<QAbstractItemView>(u"RulesGrid"_s), 1), before);
         QVERIFY(action("actionRedo")->isEnabled());
@@ -332,8 +337,8 @@ private Q_SLOTS:
             << u"signoff"_s << 0 << u"signoff.html"_s << u"<!DOCTYPE html>"_s;
         QTest::newRow("markdown") << u"signoff"_s << 1 << u"signoff.md"_s
                                   << u"# Mapping specification: klmno001"_s;
-        QTest::newRow("the suffix typed wins over the filter") << u"signoff.csv"_s << 0 << u"signoff.csv"_s
-                                                              << u"\uFEFFDump,"_s;
+        QTest::newRow("the suffix typed wins over the filter")
+            << u"signoff.csv"_s << 0 << u"signoff.csv"_s << u"\uFEFFDump,"_s;
     }
     void exportWritesTheSpecification()
     {

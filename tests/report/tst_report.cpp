@@ -37,17 +37,19 @@ QString hostileDocument(const QString& zipRule = kRule)
     QString xml = rulesDocument();
     xml.replace(u"dump 1 First\ndump 2 Second\ndump 3 Third"_s,
                 u"dump 3 Third\ndump 1 "_s + kDumpText.toHtmlEscaped() + u"\ndump 2 Second"_s);
-    xml.replace(u"TEXT=\"\">srcaa001.custno"_s, u"TEXT=\""_s + kDoc.toHtmlEscaped().replace(u"\n"_s, u"&#10;"_s) +
-                                                    u"\">srcaa001.custno"_s);
-    xml.replace(u"<DUMP No=\"1\""_s, u"<DUMP No=\"3\"/><DUMP No=\"1\""_s); // document order is not number order
+    xml.replace(u"TEXT=\"\">srcaa001.custno"_s,
+                u"TEXT=\""_s + kDoc.toHtmlEscaped().replace(u"\n"_s, u"&#10;"_s) + u"\">srcaa001.custno"_s);
+    xml.replace(u"<DUMP No=\"1\""_s,
+                u"<DUMP No=\"3\"/><DUMP No=\"1\""_s); // document order is not number order
     xml.replace(u"TEXT=\"\">srcbb002.city"_s, u"TEXT=\"17\">srcbb002.city"_s);
     xml.replace(u">srcaa001.zip<"_s, u'>' + zipRule.toHtmlEscaped() + u'<');
     xml.replace(u"ADJU=\"L\""_s, u"DSCA=\"Name, &lt;first&gt; &amp; &quot;last&quot;\""_s);
     xml.replace(u"</RULES001></TARTAB>"_s,
                 u"<ÜBER名 No=\"11\" FNo=\"10\" TYPE=\"S\" LENG=\"40\"/></RULES001></TARTAB>"_s);
     xml.replace(u"</DUMP>\n<DUMP No=\"2\""_s, u"<ÜBER名 No=\"11\">\"€ 😀\"</ÜBER名></DUMP>\n<DUMP No=\"2\""_s);
-    xml.replace(u"<TARTAB>"_s, u"<DUMP No=\"7\"><ZIP No=\"10\">x</ZIP></DUMP><QUERY ST=\"ab&#9;c&#10;d&quot;e\">"
-                               u"select</QUERY><TARTAB>"_s);
+    xml.replace(u"<TARTAB>"_s,
+                u"<DUMP No=\"7\"><ZIP No=\"10\">x</ZIP></DUMP><QUERY ST=\"ab&#9;c&#10;d&quot;e\">"
+                u"select</QUERY><TARTAB>"_s);
     return xml;
 }
 
@@ -177,8 +179,8 @@ void readHtml(const QString& text, Read& r)
                 r.overview.append(row.mid(0, 4));
             } else {
                 const QString field = row.takeAt(1);
-                r.fields[dump].append(QStringList{row[0], field.section(u'\n', 0, 0), field.section(u'\n', 1)} +
-                                      row.mid(1));
+                r.fields[dump].append(
+                    QStringList{row[0], field.section(u'\n', 0, 0), field.section(u'\n', 1)} + row.mid(1));
             }
             row.clear();
         }
@@ -242,27 +244,42 @@ private Q_SLOTS:
 
         const QString open = u"Warning: Mandatory field without a rule"_s;
         const QList<std::tuple<int, int, QStringList>> expected{
-            {1, 0, {u"001"_s, u"rules001.custno"_s, u"Customer number"_s, u"Long"_s, u"8"_s, u"Yes"_s,
-                    u"srcaa001.custno"_s, u"srcaa001.custno"_s, kDoc, QString()}},
-            {1, 1, {u"002"_s, u"rules001.name"_s, u"Name, <first> & \"last\""_s, u"String"_s, u"30"_s, QString(),
-                    QString(), QString(), QString(), QString()}},
-            {1, 2, {u"003"_s, u"rules001.city"_s, QString(), u"String"_s, u"30"_s, QString(), u"srcbb002.city"_s,
-                    u"srcbb002.city"_s, u"Text no. 17 (kept by the host)"_s, QString()}},
-            {1, 9, {u"009"_s, u"rules001.zip"_s, QString(), u"String"_s, u"10"_s, QString(), kRule,
-                    u"srcaa001.zip"_s, QString(), QString()}},
-            {1, 10, {u"010"_s, u"rules001.über名"_s, QString(), u"String"_s, u"40"_s, QString(), u"\"€ 😀\""_s,
-                     QString(), QString(), QString()}},
-            {2, 0, {u"001"_s, u"rules001.custno"_s, u"Customer number"_s, u"Long"_s, u"8"_s, u"Yes"_s, QString(),
-                    QString(), QString(), open}},
-            {2, 7, {u"007"_s, u"rules001.remark"_s, QString(), u"Text"_s, QString(), QString(),
-                    u"line one\nline two"_s, QString(), QString(), QString()}},
+            {1,
+             0,
+             {u"001"_s, u"rules001.custno"_s, u"Customer number"_s, u"Long"_s, u"8"_s, u"Yes"_s,
+              u"srcaa001.custno"_s, u"srcaa001.custno"_s, kDoc, QString()}},
+            {1,
+             1,
+             {u"002"_s, u"rules001.name"_s, u"Name, <first> & \"last\""_s, u"String"_s, u"30"_s, QString(),
+              QString(), QString(), QString(), QString()}},
+            {1,
+             2,
+             {u"003"_s, u"rules001.city"_s, QString(), u"String"_s, u"30"_s, QString(), u"srcbb002.city"_s,
+              u"srcbb002.city"_s, u"Text no. 17 (kept by the host)"_s, QString()}},
+            {1,
+             9,
+             {u"009"_s, u"rules001.zip"_s, QString(), u"String"_s, u"10"_s, QString(), kRule,
+              u"srcaa001.zip"_s, QString(), QString()}},
+            {1,
+             10,
+             {u"010"_s, u"rules001.über名"_s, QString(), u"String"_s, u"40"_s, QString(), u"\"€ 😀\""_s,
+              QString(), QString(), QString()}},
+            {2,
+             0,
+             {u"001"_s, u"rules001.custno"_s, u"Customer number"_s, u"Long"_s, u"8"_s, u"Yes"_s, QString(),
+              QString(), QString(), open}},
+            {2,
+             7,
+             {u"007"_s, u"rules001.remark"_s, QString(), u"Text"_s, QString(), QString(),
+              u"line one\nline two"_s, QString(), QString(), QString()}},
         };
         for (const auto& [dump, row, cells] : expected)
             QCOMPARE(r.fields[dump][row], cells);
 
         // The unreferenced dump and the query of a table no longer migrated.
         QCOMPARE(r.outside.size(), 2);
-        QVERIFY(r.outside[0].startsWith(u"Error: The main query of ab\tc"_s) && r.outside[0].contains(u"d\"e"_s));
+        QVERIFY(r.outside[0].startsWith(u"Error: The main query of ab\tc"_s) &&
+                r.outside[0].contains(u"d\"e"_s));
         QVERIFY(r.outside[1].startsWith(u"Error: Dump 7 holds rules"_s));
     }
 
@@ -294,11 +311,12 @@ private Q_SLOTS:
     // but to its own sections, although rules and texts name all of them.
     void htmlIsSelfContained()
     {
-        const QString rule = u"<script src=\"http://x/y.js\"></script><img src=file:///etc/x><link href=\"y.css\">"_s;
+        const QString rule =
+            u"<script src=\"http://x/y.js\"></script><img src=file:///etc/x><link href=\"y.css\">"_s;
         QXmlStreamReader xml(render(hostileDocument(rule), u"html"_s));
-        static const QStringList allowed =
-            u"html head meta title style body header p h1 h2 h3 dl dt dd div section table colgroup col thead "
-            u"tbody tr th td a ul li b span footer"_s.split(u' ');
+        static const QStringList allowed = u"html head meta title style body header p h1 h2 h3 dl dt dd div "
+                                           u"section table colgroup col thead "
+                                           u"tbody tr th td a ul li b span footer"_s.split(u' ');
         static const QRegularExpression width(u"^width:\\d+%$"_s);
         while (!xml.atEnd()) {
             xml.readNext();
@@ -306,7 +324,8 @@ private Q_SLOTS:
                 QVERIFY2(allowed.contains(xml.name()), qPrintable(xml.name().toString()));
                 for (const QXmlStreamAttribute& a : xml.attributes()) {
                     QVERIFY(a.name() != u"src");
-                    QVERIFY2(a.name() != u"href" || a.value().startsWith(u'#'), qPrintable(a.value().toString()));
+                    QVERIFY2(a.name() != u"href" || a.value().startsWith(u'#'),
+                             qPrintable(a.value().toString()));
                     QVERIFY2(a.name() != u"style" || width.match(a.value()).hasMatch(),
                              qPrintable(a.value().toString()));
                 }
@@ -336,8 +355,10 @@ private Q_SLOTS:
         const QStringList lines =
             fb::RenderCheckListing(problems, fb::ListingFormat::Text).split(u'\n', Qt::SkipEmptyParts);
         QJsonParseError error;
-        const QJsonArray json = QJsonDocument::fromJson(
-            fb::RenderCheckListing(problems, fb::ListingFormat::Json).toUtf8(), &error).array();
+        const QJsonArray json =
+            QJsonDocument::fromJson(fb::RenderCheckListing(problems, fb::ListingFormat::Json).toUtf8(),
+                                    &error)
+                .array();
         QCOMPARE(error.error, QJsonParseError::NoError);
         QCOMPARE(lines.size(), problems.size());
         QCOMPARE(json.size(), problems.size());

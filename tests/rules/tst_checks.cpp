@@ -43,11 +43,13 @@ private Q_SLOTS:
         QTest::newRow("plain") << u"srcaa001.code"_s << QStringList{u"srcaa001.code"_s};
         QTest::newRow("upper case") << u"SRCAA001.Code"_s << QStringList{u"srcaa001.code"_s};
         QTest::newRow("array") << u"srcaa001.note(2)"_s << QStringList{u"srcaa001.note(2)"_s};
-        QTest::newRow("string position form") << u"srcaa001.note(1,2)"_s << QStringList{u"srcaa001.note(2)"_s};
-        QTest::newRow("in a call, twice") << u"trim(srcaa001.a)&srcbb002.b"_s
-                                          << QStringList{u"srcaa001.a"_s, u"srcbb002.b"_s};
+        QTest::newRow("string position form")
+            << u"srcaa001.note(1,2)"_s << QStringList{u"srcaa001.note(2)"_s};
+        QTest::newRow("in a call, twice")
+            << u"trim(srcaa001.a)&srcbb002.b"_s << QStringList{u"srcaa001.a"_s, u"srcbb002.b"_s};
         QTest::newRow("quoted text") << u"\"srcaa001.a\" & srcaa001.b"_s << QStringList{u"srcaa001.b"_s};
-        QTest::newRow("not a table name") << u"utc.utc(x) + abc.def + 12345678.x + srcaa0011.x"_s << QStringList{};
+        QTest::newRow("not a table name")
+            << u"utc.utc(x) + abc.def + 12345678.x + srcaa0011.x"_s << QStringList{};
         QTest::newRow("member of something") << u"x.srcaa001.code"_s << QStringList{};
     }
     void references()
@@ -71,31 +73,38 @@ private Q_SLOTS:
         const QString open = u"Warning 1 klmno001.code: Mandatory field without a rule"_s;
         QTest::newRow("same type") << 0 << u"srcaa001.code"_s << QStringList{};
         QTest::newRow("blank rule") << 0 << u"  \r\n"_s << QStringList{open};
-        QTest::newRow("unlisted table") << 1 << u"srcbb002.count"_s
-                                        << QStringList{open, u"Error 1 klmno001.qty: srcbb002 is not a listed source "
-                                                             u"table (srcbb002.count)"_s};
-        QTest::newRow("missing field") << 1 << u"srcaa001.cnt"_s
-                                       << QStringList{open, u"Error 1 klmno001.qty: Source table srcaa001 has no "
-                                                            u"field cnt"_s};
-        QTest::newRow("longer string") << 0 << u"srcaa001.name"_s
-                                       << QStringList{u"Warning 1 klmno001.code: srcaa001.name: String(60) into "
-                                                      u"String(10) may lose data"_s};
+        QTest::newRow("unlisted table")
+            << 1 << u"srcbb002.count"_s
+            << QStringList{open, u"Error 1 klmno001.qty: srcbb002 is not a listed source "
+                                 u"table (srcbb002.count)"_s};
+        QTest::newRow("missing field")
+            << 1 << u"srcaa001.cnt"_s
+            << QStringList{open, u"Error 1 klmno001.qty: Source table srcaa001 has no "
+                                 u"field cnt"_s};
+        QTest::newRow("longer string")
+            << 0 << u"srcaa001.name"_s
+            << QStringList{u"Warning 1 klmno001.code: srcaa001.name: String(60) into "
+                           u"String(10) may lose data"_s};
         QTest::newRow("shorter string into multi-byte") << 4 << u"srcaa001.code"_s << QStringList{open};
-        QTest::newRow("date into number") << 1 << u"srcaa001.born"_s
-                                          << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.born: UTC(15) "
-                                                               u"into Integer(5) may lose data"_s};
-        QTest::newRow("float into integer") << 1 << u"srcaa001.amount"_s
-                                            << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.amount: "
-                                                                 u"Float(8,2) into Integer(5) may lose data"_s};
+        QTest::newRow("date into number")
+            << 1 << u"srcaa001.born"_s
+            << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.born: UTC(15) "
+                                 u"into Integer(5) may lose data"_s};
+        QTest::newRow("float into integer")
+            << 1 << u"srcaa001.amount"_s
+            << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.amount: "
+                                 u"Float(8,2) into Integer(5) may lose data"_s};
         QTest::newRow("float into double") << 2 << u"srcaa001.amount"_s << QStringList{open};
         QTest::newRow("integer into double") << 2 << u"srcaa001.count"_s << QStringList{open};
-        QTest::newRow("text into number") << 2 << u"srcaa001.memo"_s
-                                          << QStringList{open, u"Warning 1 klmno001.price: srcaa001.memo: Text into "
-                                                               u"Double(8,2) may lose data"_s};
+        QTest::newRow("text into number")
+            << 2 << u"srcaa001.memo"_s
+            << QStringList{open, u"Warning 1 klmno001.price: srcaa001.memo: Text into "
+                                 u"Double(8,2) may lose data"_s};
         QTest::newRow("converted by a function") << 1 << u"val(srcaa001.memo)"_s << QStringList{open};
-        QTest::newRow("through the map conversion") << 1 << u"utc(srcaa001.born,0)"_s
-                                                    << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.born: "
-                                                                         u"UTC(15) into Integer(5) may lose data"_s};
+        QTest::newRow("through the map conversion")
+            << 1 << u"utc(srcaa001.born,0)"_s
+            << QStringList{open, u"Warning 1 klmno001.qty: srcaa001.born: "
+                                 u"UTC(15) into Integer(5) may lose data"_s};
         QTest::newRow("array element") << 3 << u"srcaa001.note(1,2)"_s << QStringList{open};
         QTest::newRow("array as a whole") << 3 << u"srcaa001.note"_s << QStringList{open};
     }
@@ -113,7 +122,8 @@ private Q_SLOTS:
         QCOMPARE(messages(fb::CheckDumpRules(1, fields, byRow, fb::SourceCatalogue(doc))), problems);
 
         // The stored form of the same rule gives the same problems.
-        QVERIFY(doc.WriteRuleElement(doc.CreateDumpNode(1), doc.GetTargetTableNode(1).childElements()[row], rule));
+        QVERIFY(doc.WriteRuleElement(doc.CreateDumpNode(1), doc.GetTargetTableNode(1).childElements()[row],
+                                     rule));
         QCOMPARE(messages(fb::CheckMapping(doc)), problems);
     }
 
@@ -122,11 +132,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("content");
         QTest::addColumn<QStringList>("problems");
         QTest::newRow("referenced dump, migrated query")
-            << u"<PREC>migrate srcaa001 dump 1 x</PREC><QUERY ST=\"srcaa001\">q</QUERY><DUMP No=\"1\"><CODE No=\"1\">"
+            << u"<PREC>migrate srcaa001 dump 1 x</PREC><QUERY ST=\"srcaa001\">q</QUERY><DUMP No=\"1\"><CODE "
+               u"No=\"1\">"
                u"srcaa001.code</CODE></DUMP>"_s
             << QStringList{};
         QTest::newRow("dump no script names")
-            << u"<PREC>dump 1 x</PREC><DUMP No=\"1\"><CODE No=\"1\">srcaa001.code</CODE></DUMP><DUMP No=\"7\">"
+            << u"<PREC>dump 1 x</PREC><DUMP No=\"1\"><CODE No=\"1\">srcaa001.code</CODE></DUMP><DUMP "
+               u"No=\"7\">"
                u"<QTY No=\"2\">srcaa001.nothing</QTY></DUMP>"_s
             << QStringList{u"Error 7 : Dump 7 holds rules, but no script references it: reading the document "
                            u"removes it with its rules"_s};
@@ -140,10 +152,11 @@ private Q_SLOTS:
         QTest::newRow("query of a table no longer migrated")
             << u"<PREC>dump 1 x</PREC><QUERY ST=\"srcaa001\">dump 2 y</QUERY><DUMP No=\"1\"><CODE No=\"1\">"
                u"srcaa001.code</CODE></DUMP><DUMP No=\"2\"><CODE No=\"1\">x</CODE></DUMP>"_s
-            << QStringList{u"Error 0 srcaa001: The main query of srcaa001 holds text, but no migrate statement "
-                           u"names the table: reading the document removes it"_s,
-                           u"Error 2 : Dump 2 holds rules, but no script references it: reading the document "
-                           u"removes it with its rules"_s};
+            << QStringList{
+                   u"Error 0 srcaa001: The main query of srcaa001 holds text, but no migrate statement "
+                   u"names the table: reading the document removes it"_s,
+                   u"Error 2 : Dump 2 holds rules, but no script references it: reading the document "
+                   u"removes it with its rules"_s};
     }
     void sections()
     {
@@ -154,7 +167,7 @@ private Q_SLOTS:
         doc.MigrateTables() = QStringList{u"kept"_s};
         const QString before = doc.Serialize();
         QCOMPARE(messages(fb::CheckSections(doc)), problems);
-        QCOMPARE(doc.Serialize(), before); // looking creates no element
+        QCOMPARE(doc.Serialize(), before);                     // looking creates no element
         QCOMPARE(doc.MigrateTables(), QStringList{u"kept"_s}); // the session's lists stay as they were
     }
 
@@ -163,9 +176,10 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("rules");
         QTest::addColumn<QString>("text");
         QTest::newRow("none") << QStringList{} << u"0 of 5 fields have a rule; 1 mandatory field has none"_s;
-        QTest::newRow("blank is none") << QStringList{u" "_s, u"x"_s}
-                                       << u"1 of 5 fields have a rule; 1 mandatory field has none"_s;
-        QTest::newRow("mandatory covered") << QStringList{u"a"_s, u""_s, u"b"_s} << u"2 of 5 fields have a rule"_s;
+        QTest::newRow("blank is none")
+            << QStringList{u" "_s, u"x"_s} << u"1 of 5 fields have a rule; 1 mandatory field has none"_s;
+        QTest::newRow("mandatory covered")
+            << QStringList{u"a"_s, u""_s, u"b"_s} << u"2 of 5 fields have a rule"_s;
     }
     void coverage()
     {

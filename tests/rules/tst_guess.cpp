@@ -29,7 +29,8 @@ Grid nestedLoop(const QList<FieldEntry>& sources, const QList<FieldEntry>& targe
         for (const FieldEntry& s : sources) {
             if (s.qualifiedName.mid(9) == t.qualifiedName.mid(9)) {
                 grid[t.qualifiedName.mid(9)] = fb::BuildFieldExpression(s.qualifiedName, s.type, t.type);
-                if (s.qualifiedName == t.qualifiedName) break;
+                if (s.qualifiedName == t.qualifiedName)
+                    break;
             } else if (p >= 11 && s.qualifiedName.mid(9) == t.qualifiedName.mid(9, p - 10)) {
                 grid[t.qualifiedName.mid(9)] = fb::BuildFieldExpression(s.qualifiedName, s.type, t.type);
             }
@@ -116,8 +117,10 @@ private Q_SLOTS:
         const auto pick = [&](const QStringList& list) { return list[int(rng() % unsigned(list.size()))]; };
         const auto name = [&] {
             QString n = u"f"_s + QString::number(rng() % 40);
-            if (rng() % 5 == 0) n = n.toUpper();
-            if (rng() % 3 == 0) n += u'(' + QString::number(rng() % 3 + 1) + u')';
+            if (rng() % 5 == 0)
+                n = n.toUpper();
+            if (rng() % 3 == 0)
+                n += u'(' + QString::number(rng() % 3 + 1) + u')';
             return n;
         };
         for (int round = 0; round < 200; ++round) {

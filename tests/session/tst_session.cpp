@@ -15,7 +15,6 @@
 #include <QTest>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
-
 #include <deque>
 #include <functional>
 #include <map>
@@ -46,8 +45,7 @@ QString unescapeStep(QString text)
     return text;
 }
 
-template <typename E>
-QString enumName(E value)
+template <typename E> QString enumName(E value)
 {
     return QString::fromLatin1(QMetaEnum::fromType<E>().valueToKey(int(value)));
 }
@@ -98,16 +96,18 @@ public:
     }
     MsgAnswer MsgBox(const QString& prompt, MsgButtons buttons, MsgIcon icon, const QString& title) override
     {
-        static const std::map<QString, MsgAnswer> kAnswers{
-            {u"Ok"_s, MsgAnswer::Ok}, {u"Cancel"_s, MsgAnswer::Cancel}, {u"Yes"_s, MsgAnswer::Yes}, {u"No"_s, MsgAnswer::No}};
+        static const std::map<QString, MsgAnswer> kAnswers{{u"Ok"_s, MsgAnswer::Ok},
+                                                           {u"Cancel"_s, MsgAnswer::Cancel},
+                                                           {u"Yes"_s, MsgAnswer::Yes},
+                                                           {u"No"_s, MsgAnswer::No}};
         const QString names[] = {u"Ok"_s, u"OkCancel"_s, u"YesNo"_s, u"YesNoCancel"_s};
         const QString icons[] = {u"None"_s, u"Critical"_s, u"Exclamation"_s, u"Information"_s, u"Question"_s};
         const QString first = fb::FirstButton(buttons) == MsgAnswer::Yes ? u"Yes"_s : u"Ok"_s;
         QString answer = next(first);
         if (!kAnswers.count(answer))
             answer = u"%1 (not a button: %2)"_s.arg(first, answer);
-        log->append(u"  box %1 %2 \"%3\": %4 -> %5"_s.arg(icons[int(icon)], names[int(buttons)], visible(title),
-                                                         visible(prompt), answer));
+        log->append(u"  box %1 %2 \"%3\": %4 -> %5"_s.arg(icons[int(icon)], names[int(buttons)],
+                                                          visible(title), visible(prompt), answer));
         return kAnswers.at(answer.section(u' ', 0, 0));
     }
     QString InputBox(const QString& prompt, const QString& title, const QString&) override
@@ -120,14 +120,14 @@ public:
     {
         const QString answer = next(u"="_s);
         const QString result = answer == u"="_s ? text : unescapeStep(answer);
-        log->append(u"  doc \"%1\"%2: %3 -> %4"_s.arg(visible(title), editable ? u""_s : u" locked"_s, visible(text),
-                                                     visible(result)));
+        log->append(u"  doc \"%1\"%2: %3 -> %4"_s.arg(visible(title), editable ? u""_s : u" locked"_s,
+                                                      visible(text), visible(result)));
         return result;
     }
     // Answers: "ticked" (the default) takes what comes ticked, "cancel"
     // nothing; "ROW=table.field" pieces after it take more.
-    QList<fb::AcceptedSuggestion> ReviewSuggestions(const QString& title, const QList<fb::SuggestionRow>& rows,
-                                                    double threshold) override
+    QList<fb::AcceptedSuggestion>
+    ReviewSuggestions(const QString& title, const QList<fb::SuggestionRow>& rows, double threshold) override
     {
         const QStringList answer = next(u"ticked"_s).split(u' ', Qt::SkipEmptyParts);
         log->append(u"  review \"%1\" from %2:"_s.arg(title).arg(threshold));
@@ -138,7 +138,8 @@ public:
             if (ticked && answer.value(0) == u"ticked"_s)
                 taken.append({r.row, r.candidates[0].source});
             if (!r.candidates.isEmpty())
-                log->append(u"    %1%2 %3 %4 (%5)"_s.arg(ticked ? u"[x] "_s : u"[ ] "_s, r.field, r.candidates[0].source)
+                log->append(u"    %1%2 %3 %4 (%5)"_s
+                                .arg(ticked ? u"[x] "_s : u"[ ] "_s, r.field, r.candidates[0].source)
                                 .arg(r.candidates[0].score, 0, 'f', 2)
                                 .arg(r.candidates[0].reasons.join(u"; "_s)));
         }
@@ -150,8 +151,8 @@ public:
     {
         const QString answer = next(u"cancel"_s);
         const QString result = answer == u"cancel"_s ? preset : answer;
-        log->append(u"  choose dump %1 from [%2] preset \"%3\" -> \"%4\""_s.arg(dump).arg(tables.join(u';'), preset,
-                                                                             result));
+        log->append(u"  choose dump %1 from [%2] preset \"%3\" -> \"%4\""_s.arg(dump).arg(tables.join(u';'),
+                                                                                          preset, result));
         return result;
     }
 };
@@ -171,21 +172,25 @@ public:
                 shown.append(u'"' + visible(a) + u'"');
             m_log.append(u"  event %1(%2)"_s.arg(name, shown.join(u", "_s)));
         };
-        QObject::connect(s, &MappingSession::ShowSourceTablesPopUp, [=](const QString& a) { event(u"ShowSourceTablesPopUp"_s, {a}); });
+        QObject::connect(s, &MappingSession::ShowSourceTablesPopUp,
+                         [=](const QString& a) { event(u"ShowSourceTablesPopUp"_s, {a}); });
         QObject::connect(s, &MappingSession::ShowConditionBuilderPopUp,
-                         [=](const QString& a, const QString& b) { event(u"ShowConditionBuilderPopUp"_s, {a, b}); });
-        QObject::connect(s, &MappingSession::ShowQueryBuilderPopUp,
-                         [=](const QString& a, const QString& b) { event(u"ShowQueryBuilderPopUp"_s, {a, b}); });
+                         [=](const QString& a, const QString& b) {
+                             event(u"ShowConditionBuilderPopUp"_s, {a, b});
+                         });
+        QObject::connect(s, &MappingSession::ShowQueryBuilderPopUp, [=](const QString& a, const QString& b) {
+            event(u"ShowQueryBuilderPopUp"_s, {a, b});
+        });
         QObject::connect(s, &MappingSession::ShowFunctionBuilderPopUp,
-                         [=](const QString& a, const QString& b) { event(u"ShowFunctionBuilderPopUp"_s, {a, b}); });
+                         [=](const QString& a, const QString& b) {
+                             event(u"ShowFunctionBuilderPopUp"_s, {a, b});
+                         });
         QObject::connect(s, &MappingSession::SaveDoneDisabled, [=] { event(u"SaveDoneDisabled"_s, {}); });
         QObject::connect(s, &MappingSession::SaveDoneEnabled, [=] { event(u"SaveDoneEnabled"_s, {}); });
-        QObject::connect(s, &MappingSession::focusRequested, [this](MappingSession::Focus f) {
-            m_log.append(u"  focus "_s + enumName(f));
-        });
-        QObject::connect(s, &MappingSession::stepRecorded, [this](const QString& text) {
-            m_log.append(u"  step \""_s + text + u'"');
-        });
+        QObject::connect(s, &MappingSession::focusRequested,
+                         [this](MappingSession::Focus f) { m_log.append(u"  focus "_s + enumName(f)); });
+        QObject::connect(s, &MappingSession::stepRecorded,
+                         [this](const QString& text) { m_log.append(u"  step \""_s + text + u'"'); });
     }
 
     QString run(const QStringList& steps)
@@ -254,8 +259,8 @@ private:
             else if (name == u"GridEdit")
                 s.GridEdit(short(num(words.value(1))));
             else if (name == u"ask") // values the host reads back
-                m_log.append(u"  MainQuery \"%1\" FieldMapping \"%2\" GetRowNumber %3 GetListItemNumber %4"_s.arg(
-                    visible(s.MainQuery()), s.FieldMapping())
+                m_log.append(u"  MainQuery \"%1\" FieldMapping \"%2\" GetRowNumber %3 GetListItemNumber %4"_s
+                                 .arg(visible(s.MainQuery()), s.FieldMapping())
                                  .arg(s.GetRowNumber(words.value(1)))
                                  .arg(s.GetListItemNumber(words.value(1))));
             else
@@ -290,7 +295,10 @@ private:
         } else if (verb == u"key") { // grid keys: Tab, Return, Space, Alt+x
             const bool alt = rest.startsWith(u"Alt+"_s);
             const int key = rest == u"Tab"_s ? int(Qt::Key_Tab) : 0;
-            const QString text = rest == u"Return"_s ? u"\r"_s : rest == u"Space"_s ? u" "_s : alt ? rest.mid(4) : QString();
+            const QString text = rest == u"Return"_s  ? u"\r"_s
+                                 : rest == u"Space"_s ? u" "_s
+                                 : alt                ? rest.mid(4)
+                                                      : QString();
             m_log.append(u"  used %1"_s.arg(s.GridKeyPress(text, key, alt)));
         } else if (verb == u"overlaykey") {
             s.OverlayKey(rest == u"Tab"_s ? Qt::Key_Tab : Qt::Key_Escape);
@@ -307,13 +315,15 @@ private:
             s.setTargetFieldSelected(num(rest));
             s.TargetFieldClicked(num(rest));
         } else if (verb == u"sort") {
-            (words.value(0) == u"source"_s ? s.sourceFields() : s.targetFields())->sortByHeaderClick(num(words.value(1)));
+            (words.value(0) == u"source"_s ? s.sourceFields() : s.targetFields())
+                ->sortByHeaderClick(num(words.value(1)));
         } else if (verb == u"migrate") {
             s.MigrateSourceClicked(num(rest));
         } else if (verb == u"delete") {
             s.DeleteSourceTable(num(rest));
         } else if (verb == u"tabkey") { // Tab with Ctrl or Shift in a script box
-            s.TabWithModifiers(kBoxes.at(words.value(0)), words.value(1) == u"ctrl"_s, words.value(1) == u"shift"_s);
+            s.TabWithModifiers(kBoxes.at(words.value(0)), words.value(1) == u"ctrl"_s,
+                               words.value(1) == u"shift"_s);
         } else if (verb == u"alt") {
             m_log.append(u"  shortcut %1"_s.arg(s.AltShortcut(rest.at(0), true)));
         } else if (verb == u"leavecontrol") {
@@ -324,8 +334,8 @@ private:
         } else if (verb == u"mark") { // mark NAME: what undo or redo must give back exactly
             m_marks[rest] = s.document().Serialize() + s.rules()->rules().join(u'|');
         } else if (verb == u"same") {
-            m_log.append(u"  same as %1: %2"_s.arg(rest).arg(m_marks.value(rest) ==
-                                                             s.document().Serialize() + s.rules()->rules().join(u'|')));
+            m_log.append(u"  same as %1: %2"_s.arg(rest).arg(
+                m_marks.value(rest) == s.document().Serialize() + s.rules()->rules().join(u'|')));
         } else if (verb == u"find") { // find source|target|grid words
             fb::FieldFilterModel* f = words.value(0) == u"source"_s   ? s.shownSourceFields()
                                       : words.value(0) == u"target"_s ? s.shownTargetFields()
@@ -406,11 +416,13 @@ private:
         for (Box b : {Box::PreCondition, Box::MainQuery, Box::Functions, Box::Variables, Box::Overlay})
             if (!s.boxText(b).isEmpty() || s.boxLocked(b))
                 m_log.append(u"  %1%2: %3"_s.arg(enumName(b), s.boxLocked(b) ? u" (locked)"_s : u""_s,
-                                                visible(s.boxText(b))));
-        m_log.append(u"  source tables [%1] migrate [%2]"_s.arg(s.sourceTableRows().join(u'|'), s.migrateRows().join(u'|')));
-        m_log.append(u"  dumps [%1] selected %2 tag \"%3\" details \"%4\" tip \"%5\""_s.arg(s.dumpEntries().join(u'|'))
-                         .arg(s.dumpIndex())
-                         .arg(s.SelectorTag(), s.detailsCaption(), visible(s.dumpToolTip())));
+                                                 visible(s.boxText(b))));
+        m_log.append(u"  source tables [%1] migrate [%2]"_s.arg(s.sourceTableRows().join(u'|'),
+                                                                s.migrateRows().join(u'|')));
+        m_log.append(
+            u"  dumps [%1] selected %2 tag \"%3\" details \"%4\" tip \"%5\""_s.arg(s.dumpEntries().join(u'|'))
+                .arg(s.dumpIndex())
+                .arg(s.SelectorTag(), s.detailsCaption(), visible(s.dumpToolTip())));
         if (s.multiTarget())
             m_log.append(u"  target tables [%1] selected %2 name \"%3\""_s.arg(s.targetTables().join(u'|'))
                              .arg(s.targetTableIndex())
@@ -429,7 +441,9 @@ private:
     // The rows a narrowed list shows: their names and marks, and the ticks it hides.
     void shown(fb::FieldFilterModel* f)
     {
-        const int nameColumn = f == m_sessionPtr->shownRules() ? 0 : f == m_sessionPtr->shownSourceFields() ? 2 : 3;
+        const int nameColumn = f == m_sessionPtr->shownRules()          ? 0
+                               : f == m_sessionPtr->shownSourceFields() ? 2
+                                                                        : 3;
         static const char* const marks[] = {"", " +", " !"};
         QStringList rows;
         for (int r = 0; r < f->rowCount(); ++r)
@@ -438,7 +452,8 @@ private:
         m_log.append(u"  shown %1 of %2: %3%4"_s.arg(f->rowCount())
                          .arg(f->sourceModel()->rowCount())
                          .arg(rows.join(u", "_s))
-                         .arg(f->hiddenCheckedCount() ? u" (%1 ticked hidden)"_s.arg(f->hiddenCheckedCount()) : u""_s));
+                         .arg(f->hiddenCheckedCount() ? u" (%1 ticked hidden)"_s.arg(f->hiddenCheckedCount())
+                                                      : u""_s));
     }
 
     void fields(fb::FieldListModel* model)
@@ -475,7 +490,8 @@ private Q_SLOTS:
     void sessions_data()
     {
         QTest::addColumn<QString>("name");
-        const QStringList cases = QDir(m_data + u"/cases"_s).entryList({u"*.steps"_s}, QDir::Files, QDir::Name);
+        const QStringList cases =
+            QDir(m_data + u"/cases"_s).entryList({u"*.steps"_s}, QDir::Files, QDir::Name);
         QVERIFY(!cases.isEmpty());
         for (const QString& file : cases)
             QTest::newRow(qPrintable(file.chopped(6))) << file.chopped(6);

@@ -156,7 +156,8 @@ private Q_SLOTS:
         QFETCH(QString, args);
         QFETCH(QList<int>, dumps);
         QFETCH(int, top);
-        const Run r = run(QStringList{u"suggest"_s, path(u"mapping.xml"_s)} + args.split(u' ', Qt::SkipEmptyParts));
+        const Run r =
+            run(QStringList{u"suggest"_s, path(u"mapping.xml"_s)} + args.split(u' ', Qt::SkipEmptyParts));
         QCOMPARE(r.exitCode, 0);
         QJsonParseError error;
         const QJsonDocument json = QJsonDocument::fromJson(r.out, &error);
@@ -166,7 +167,8 @@ private Q_SLOTS:
         QList<int> seenDumps;
         for (const QJsonValue& d : json[u"dumps"_s].toArray()) {
             seenDumps.append(d[u"dump"_s].toInt());
-            QCOMPARE(d[u"targetTable"_s].toString(), d[u"dump"_s].toInt() == 1 ? u"tarxx001"_s : u"taryy002"_s);
+            QCOMPARE(d[u"targetTable"_s].toString(),
+                     d[u"dump"_s].toInt() == 1 ? u"tarxx001"_s : u"taryy002"_s);
             QSet<QString> fields;
             for (const QJsonValue& f : d[u"fields"_s].toArray()) {
                 const QString name = f[u"field"_s].toString();

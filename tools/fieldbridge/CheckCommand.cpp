@@ -3,7 +3,6 @@
 // whether any of them is an error.
 #include "Command.h"
 #include "MappingInput.h"
-
 #include "core/document/MappingDocument.h"
 #include "core/report/CheckListing.h"
 
@@ -41,11 +40,13 @@ int RunCheck(const QStringList& arguments)
     const QCommandLineOption formatOption(QStringLiteral("format"), QString(), QStringLiteral("F"),
                                           QStringLiteral("text"));
     parser.addOption(formatOption);
-    if (const std::optional<int> done = ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
+    if (const std::optional<int> done =
+            ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
         return *done;
     const std::optional<fb::ListingFormat> format = fb::ListingFormatFromName(parser.value(formatOption));
     if (!format) {
-        PrintError(command, QStringLiteral("--format takes text or json, not '%1'").arg(parser.value(formatOption)));
+        PrintError(command,
+                   QStringLiteral("--format takes text or json, not '%1'").arg(parser.value(formatOption)));
         return Unreadable;
     }
     fb::MappingDocument doc;

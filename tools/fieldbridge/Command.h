@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <optional>
 
 class QCommandLineParser;
@@ -52,11 +51,12 @@ void PrintOut(const QString& text);
 // command's own text) and gives Success; a malformed command line prints one
 // line and gives Unreadable. Otherwise nothing is printed and the command
 // goes on (no value).
-std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
-                                  const QString& help);
+std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command,
+                                  const QStringList& arguments, const QString& help);
 
 // The one FILE of a command's line, loaded as a mapping object: no value
 // when it is; otherwise the line is printed and the exit status returned.
-std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command, fb::MappingDocument& doc);
+std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command,
+                                  fb::MappingDocument& doc);
 
 } // namespace fbtool

@@ -48,18 +48,21 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
         return fail(whereMalformed(text));
     const QString root = doc.DocumentElement().name();
     if (root.size() != 8)
-        return fail(QStringLiteral("not a mapping object: the root element <%1> is not an 8-character table name")
-                        .arg(root));
+        return fail(
+            QStringLiteral("not a mapping object: the root element <%1> is not an 8-character table name")
+                .arg(root));
     doc.SetTableName(root);
     return true;
 }
 
-std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command, fb::MappingDocument& doc)
+std::optional<int> LoadSingleFile(const QCommandLineParser& parser, const QString& command,
+                                  fb::MappingDocument& doc)
 {
     const QStringList files = parser.positionalArguments();
     if (files.size() != 1) {
-        PrintError(command, files.isEmpty() ? QStringLiteral("FILE is missing (see fieldbridge %1 --help)").arg(command)
-                                            : QStringLiteral("one FILE only, not %1").arg(files.size()));
+        PrintError(command, files.isEmpty()
+                                ? QStringLiteral("FILE is missing (see fieldbridge %1 --help)").arg(command)
+                                : QStringLiteral("one FILE only, not %1").arg(files.size()));
         return Unreadable;
     }
     QString error;

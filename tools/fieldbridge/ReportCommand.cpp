@@ -2,7 +2,6 @@
 // specification to sign off, the same document the host exports.
 #include "Command.h"
 #include "MappingInput.h"
-
 #include "core/document/MappingDocument.h"
 #include "core/document/TextFile.h"
 #include "core/report/Report.h"
@@ -39,13 +38,16 @@ int RunReport(const QStringList& arguments)
     const QCommandLineOption formatOption(QStringLiteral("format"), QString(), QStringLiteral("F"));
     const QCommandLineOption outOption(QStringLiteral("o"), QString(), QStringLiteral("OUT"));
     parser.addOptions({formatOption, outOption});
-    if (const std::optional<int> done = ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
+    if (const std::optional<int> done =
+            ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
         return *done;
     const std::optional<fb::ReportFormat> format = fb::ReportFormatFromName(parser.value(formatOption));
     if (!format) {
-        PrintError(command, parser.isSet(formatOption)
-                                ? QStringLiteral("--format takes html, md or csv, not '%1'").arg(parser.value(formatOption))
-                                : QStringLiteral("--format is missing (html, md or csv)"));
+        PrintError(
+            command,
+            parser.isSet(formatOption)
+                ? QStringLiteral("--format takes html, md or csv, not '%1'").arg(parser.value(formatOption))
+                : QStringLiteral("--format is missing (html, md or csv)"));
         return Unreadable;
     }
     fb::MappingDocument doc;

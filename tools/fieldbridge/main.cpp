@@ -4,7 +4,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-
 #include <cstdio>
 
 namespace fbtool {
@@ -14,7 +13,8 @@ void PrintError(const QString& command, const QString& message)
     QString line = message;
     line.replace(u'\r', u' ');
     line.replace(u'\n', u' ');
-    const QString prefix = command.isEmpty() ? QStringLiteral("fieldbridge") : QStringLiteral("fieldbridge ") + command;
+    const QString prefix =
+        command.isEmpty() ? QStringLiteral("fieldbridge") : QStringLiteral("fieldbridge ") + command;
     std::fprintf(stderr, "%s: %s\n", qUtf8Printable(prefix), qUtf8Printable(line));
 }
 
@@ -24,10 +24,11 @@ void PrintOut(const QString& text)
     std::fwrite(utf8.constData(), 1, size_t(utf8.size()), stdout);
 }
 
-std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
-                                  const QString& help)
+std::optional<int> ParseArguments(QCommandLineParser& parser, const QString& command,
+                                  const QStringList& arguments, const QString& help)
 {
-    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("This text."));
+    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
+                                        QStringLiteral("This text."));
     parser.addOption(helpOption);
     // The parser takes the first argument for the program's name.
     if (!parser.parse(QStringList{QStringLiteral("fieldbridge")} + arguments)) {
@@ -50,10 +51,12 @@ QString overview()
     QString text = QStringLiteral("Usage: fieldbridge COMMAND [OPTIONS] FILE\n\n"
                                   "Works on mapping objects without a display. Commands:\n");
     for (const fbtool::Command& c : fbtool::Commands())
-        text += QStringLiteral("  %1  %2\n").arg(QString::fromLatin1(c.name).leftJustified(10), QString::fromLatin1(c.summary));
-    text += QStringLiteral("\n`fieldbridge COMMAND --help` describes a command.\n"
-                           "Exit status: 0 done, 1 the command found a problem it reports, 2 the file is not a\n"
-                           "mapping object or the command line is wrong.\n");
+        text += QStringLiteral("  %1  %2\n")
+                    .arg(QString::fromLatin1(c.name).leftJustified(10), QString::fromLatin1(c.summary));
+    text +=
+        QStringLiteral("\n`fieldbridge COMMAND --help` describes a command.\n"
+                       "Exit status: 0 done, 1 the command found a problem it reports, 2 the file is not a\n"
+                       "mapping object or the command line is wrong.\n");
     return text;
 }
 
@@ -90,7 +93,8 @@ int main(int argc, char* argv[])
     const QString name = helpOf ? args[1] : first;
     const fbtool::Command* command = find(name);
     if (!command) {
-        fbtool::PrintError({}, QStringLiteral("unknown command '%1' (fieldbridge --help lists them)").arg(name));
+        fbtool::PrintError({},
+                           QStringLiteral("unknown command '%1' (fieldbridge --help lists them)").arg(name));
         return fbtool::Unreadable;
     }
     return command->run(helpOf ? QStringList{QStringLiteral("--help")} : args.mid(1));

@@ -57,9 +57,7 @@ QString GetFieldTypeText(const FieldDefinition& field, QString& lengthText)
 
 QString BuildFieldExpression(const QString& expression, const QString& sourceType, const QString& targetType)
 {
-    const auto isString = [](const QString& t) {
-        return t == u"String" || t == u"Multi-Byte String";
-    };
+    const auto isString = [](const QString& t) { return t == u"String" || t == u"Multi-Byte String"; };
     if (targetType == u"Date") {
         if (sourceType == u"Date")
             return QStringLiteral("utc(") + expression + QStringLiteral(",0,2)");

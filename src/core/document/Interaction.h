@@ -49,18 +49,22 @@ public:
     // The documentation-text dialog, modal: the text is shown (locked unless
     // editable) under the title; the answer is the text to store when the
     // dialog closes (the text it was given when nothing is to be kept).
-    virtual QString EditDocText(const QString& /*title*/, const QString& text, bool /*editable*/) { return text; }
+    virtual QString EditDocText(const QString& /*title*/, const QString& text, bool /*editable*/)
+    {
+        return text;
+    }
     // The chooser of a dump's target table, modal: the table chosen, or the
     // preset when the dialog is cancelled.
-    virtual QString ChooseTargetTable(qint16 /*dumpNumber*/, const QStringList& /*tables*/, const QString& preset)
+    virtual QString ChooseTargetTable(qint16 /*dumpNumber*/, const QStringList& /*tables*/,
+                                      const QString& preset)
     {
         return preset;
     }
     // The review of suggestions, modal: the rows whose best candidate scores
     // at least the threshold and that have no rule are offered ticked. The
     // answer is what the user took; nothing when cancelled.
-    virtual QList<AcceptedSuggestion> ReviewSuggestions(const QString& /*title*/, const QList<SuggestionRow>& /*rows*/,
-                                                        double /*threshold*/)
+    virtual QList<AcceptedSuggestion>
+    ReviewSuggestions(const QString& /*title*/, const QList<SuggestionRow>& /*rows*/, double /*threshold*/)
     {
         return {};
     }
@@ -74,7 +78,8 @@ public:
 // The answer of a box's first button.
 inline MsgAnswer FirstButton(MsgButtons buttons)
 {
-    return buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel ? MsgAnswer::Yes : MsgAnswer::Ok;
+    return buttons == MsgButtons::YesNo || buttons == MsgButtons::YesNoCancel ? MsgAnswer::Yes
+                                                                              : MsgAnswer::Ok;
 }
 
 // An Interaction that shows nothing and answers every box with its first

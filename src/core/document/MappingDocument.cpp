@@ -1,15 +1,12 @@
-#include "MappingDocument_p.h"
-
 #include "FieldNames.h"
 #include "LineBreaks.h"
+#include "MappingDocument_p.h"
 #include "TextCodec.h"
 #include "TextFile.h"
 #include "TextRules.h"
 
-
 #include <QLoggingCategory>
 #include <QStringDecoder>
-
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -84,7 +81,7 @@ void MappingDocument::Impl::indexAppended(pugi::xml_node child) const
 }
 
 const QHash<QByteArray, pugi::xml_node>& MappingDocument::Impl::attributeIndex(const QByteArray& name,
-                                                                              const char* attribute) const
+                                                                               const char* attribute) const
 {
     const RootIndex& i = rootIndex();
     const QByteArray key = name + '@' + attribute;
@@ -140,7 +137,8 @@ std::vector<pugi::xml_node> MappingDocument::Impl::select(const QString& path, c
         return found;
     const QByteArray section = QByteArray::fromRawData(parts[1].data(), qsizetype(parts[1].size()));
     if (parts.size() == 2 && test && firstOnly) {
-        const pugi::xml_node n = attributeIndex(QByteArray(section), an.c_str()).value(QByteArray(av.c_str()));
+        const pugi::xml_node n =
+            attributeIndex(QByteArray(section), an.c_str()).value(QByteArray(av.c_str()));
         if (n)
             found.push_back(n);
         return found;
@@ -175,7 +173,8 @@ std::vector<pugi::xml_node> MappingDocument::Impl::select(const QString& path, c
     return found;
 }
 
-MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(str::FixedWidth(QString(), 8)) {}
+MappingDocument::MappingDocument() : d(std::make_unique<Impl>()), m_tableName(str::FixedWidth(QString(), 8))
+{}
 
 MappingDocument::~MappingDocument() = default;
 
@@ -300,7 +299,8 @@ QString MappingDocument::SectionPath(const QString& section) const
     return u'/' + m_tableName + u'/' + section;
 }
 
-void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallbackCode, const QString& fallbackText)
+void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallbackCode,
+                                  const QString& fallbackText)
 {
     const ErrorRecord error = code != 0 ? ErrorRecord{code, text} : ErrorRecord{fallbackCode, fallbackText};
     // Nothing in the control shows it; the category lets a developer see it.
@@ -312,14 +312,15 @@ void MappingDocument::RecordError(qint16 code, const QString& text, qint16 fallb
 
 // ---- node access layer ----------------------------------------------------
 
-QString MappingDocument::expressionFailure(const QString& path, const QString& attrName, const QString& attrValue)
+QString MappingDocument::expressionFailure(const QString& path, const QString& attrName,
+                                           const QString& attrValue)
 {
     // The value goes into the expression unquoted: an apostrophe breaks it.
     // Such a lookup is refused as a malformed expression even where the
     // broken expression would happen to parse.
     if (attrValue.contains(u'\''))
-        return QStringLiteral("Unexpected apostrophe in expression: ") + path + QStringLiteral("[@") + attrName +
-               QStringLiteral("='") + attrValue + QStringLiteral("']");
+        return QStringLiteral("Unexpected apostrophe in expression: ") + path + QStringLiteral("[@") +
+               attrName + QStringLiteral("='") + attrValue + QStringLiteral("']");
     // Whether an expression compiles depends on its path and attribute name
     // only: a string literal takes any character but its quote (and a NUL,
     // which ends the expression). So each pair is compiled once.

@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <memory>
 #include <optional>
 
@@ -95,7 +94,8 @@ public:
     const ErrorRecord& LastError() const { return m_error; }
 
     // ---- node access layer --------------------------------------------------
-    Node GetNode(const QString& path, const QString& attrName = QString(), const QString& attrValue = QString());
+    Node GetNode(const QString& path, const QString& attrName = QString(),
+                 const QString& attrValue = QString());
     QString GetNodeText(const QString& path, const QString& attrName = QString(),
                         const QString& attrValue = QString());
     bool SetNodeText(const QString& path, const QString& text, const QString& attrName = QString(),
@@ -129,7 +129,8 @@ public:
     Node RestoreSection(const SectionCopy& copy, const Node& current);
     // The first child of the root with this name (and attribute value), found
     // exactly and without recording anything: no node when there is none.
-    Node RootChild(const QString& name, const QString& attrName = QString(), const QString& attrValue = QString()) const;
+    Node RootChild(const QString& name, const QString& attrName = QString(),
+                   const QString& attrValue = QString()) const;
 
     // ---- section accessors --------------------------------------------------
     QString GetPreconditionText();
@@ -197,7 +198,10 @@ public:
     // in order; always at least one slot, a single empty slot meaning none.
     QStringList& MigrateTables() { return m_migrateTables; }
     const QStringList& MigrateTables() const { return m_migrateTables; }
-    bool HasMigrateTables() const { return !(m_migrateTables.size() == 1 && m_migrateTables.first().isEmpty()); }
+    bool HasMigrateTables() const
+    {
+        return !(m_migrateTables.size() == 1 && m_migrateTables.first().isEmpty());
+    }
 
     // ---- target tables ------------------------------------------------------
     // The TARTAB child holding the fields being mapped. dumpNumber 0 = none

@@ -6,13 +6,11 @@
 #include "MappingDocument.h"
 #include "TextCodec.h"
 
-#include <pugixml.hpp>
-
 #include <QByteArray>
 #include <QHash>
 #include <QString>
-
 #include <cstring>
+#include <pugixml.hpp>
 #include <string>
 #include <vector>
 
@@ -80,7 +78,8 @@ struct MappingDocument::Impl {
     const RootIndex& rootIndex() const;
     // A child appended to the root element, its attributes set.
     void indexAppended(pugi::xml_node child) const;
-    const QHash<QByteArray, pugi::xml_node>& attributeIndex(const QByteArray& name, const char* attribute) const;
+    const QHash<QByteArray, pugi::xml_node>& attributeIndex(const QByteArray& name,
+                                                            const char* attribute) const;
 
     // All elements that an absolute path of plain steps names, in document
     // order. Each step is compared exactly with an element name, blanks

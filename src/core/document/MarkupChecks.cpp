@@ -1,9 +1,7 @@
+#include "LineBreaks.h"
 #include "MappingDocument_p.h"
 
-#include "LineBreaks.h"
-
 #include <QVarLengthArray>
-
 #include <array>
 
 #if defined(__SSE2__)
@@ -18,7 +16,8 @@ void NormaliseText(pugi::xml_document& doc)
 {
     for (pugi::xml_node cur = doc.first_child(); cur;) {
         if (cur.type() == pugi::node_pcdata &&
-            (std::strchr(cur.value(), '\r') || std::strspn(cur.value(), " \t\r\n") == std::strlen(cur.value()))) {
+            (std::strchr(cur.value(), '\r') ||
+             std::strspn(cur.value(), " \t\r\n") == std::strlen(cur.value()))) {
             const QString stored = StoredText(Utf8Text(cur.value(), qsizetype(std::strlen(cur.value()))));
             if (stored.isEmpty()) {
                 const pugi::xml_node gone = cur;
@@ -165,7 +164,7 @@ private:
             const QStringView digits = name.mid(hex ? 2 : 1);
             ok = !digits.isEmpty() && digits.size() <= 8;
             for (QChar d : digits) {
-                const int v = hex ? (d.isDigit() ? d.unicode() - u'0'
+                const int v = hex ? (d.isDigit()                ? d.unicode() - u'0'
                                      : (d >= u'a' && d <= u'f') ? d.unicode() - u'a' + 10
                                      : (d >= u'A' && d <= u'F') ? d.unicode() - u'A' + 10
                                                                 : -1)
@@ -179,8 +178,9 @@ private:
             ok = ok && isXmlChar(value);
             // A break or a blank that a reference puts into element text is
             // not one the parser has seen: the text is looked at again.
-            m_textToNormalise = m_textToNormalise ||
-                                (ok && !inTag && (value == 0xD || value == 0xA || value == 0x9 || value == 0x20));
+            m_textToNormalise =
+                m_textToNormalise ||
+                (ok && !inTag && (value == 0xD || value == 0xA || value == 0x9 || value == 0x20));
         } else {
             ok = name == u"lt" || name == u"gt" || name == u"amp" || name == u"quot" || name == u"apos" ||
                  (m_internalSubset && IsXmlName(name.toString()));
@@ -318,15 +318,16 @@ private:
     static constexpr std::array<bool, 128> kNameCharacter = [] {
         std::array<bool, 128> table{};
         for (int c = 0x21; c < 0x7F; ++c)
-            table[size_t(c)] = c != '"' && c != '\'' && c != '=' && c != '>' && c != '/' && c != '[' && c != ']';
+            table[size_t(c)] =
+                c != '"' && c != '\'' && c != '=' && c != '>' && c != '/' && c != '[' && c != ']';
         return table;
     }();
 
     const char16_t* m_t;
     qsizetype m_n;
-    bool m_internalSubset = false; // entities may be declared there
+    bool m_internalSubset = false;  // entities may be declared there
     bool m_textToNormalise = false; // a reference put a break or a blank into element text
-    int m_openElements = 0;        // elements open at the current position
+    int m_openElements = 0;         // elements open at the current position
     QVarLengthArray<QStringView, 16> m_attributes;
 };
 

@@ -25,7 +25,8 @@ QString Node::text() const
         return fromUtf8(n.value());
     // Fast path for the common case of one text child.
     const pugi::xml_node first = n.first_child();
-    if (first && !first.next_sibling() && (first.type() == pugi::node_pcdata || first.type() == pugi::node_cdata))
+    if (first && !first.next_sibling() &&
+        (first.type() == pugi::node_pcdata || first.type() == pugi::node_cdata))
         return fromUtf8(first.value());
 
     std::string out;

@@ -2,10 +2,9 @@
 // that no other code builds a path; dumps, target tables, documentation
 // text numbers, rule elements and the tidying before a read.
 
-#include "MappingDocument_p.h"
-
 #include "FieldNames.h"
 #include "LineBreaks.h"
+#include "MappingDocument_p.h"
 #include "TextRules.h"
 
 namespace fb {
@@ -31,7 +30,8 @@ bool MappingDocument::rootIsTheTable() const
     return !root || root.name() == m_tableName;
 }
 
-Node MappingDocument::appendToFirstChild(const QString& name, const QString& attrName, const QString& attrValue)
+Node MappingDocument::appendToFirstChild(const QString& name, const QString& attrName,
+                                         const QString& attrValue)
 {
     const Node first = FirstChild();
     if (!first) {
@@ -127,7 +127,8 @@ Node MappingDocument::GetQueryNode(const QString& source)
 Node MappingDocument::findQueryExactly(const QString& source)
 {
     const std::string st = utf8(source);
-    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
+    for (const pugi::xml_node& n :
+         d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
         if (st == n.attribute("ST").value())
             return Node(n.internal_object());
     return Node();
@@ -148,8 +149,8 @@ bool MappingDocument::SaveQueryText(const QString& source, const QString& text)
         if (first)
             n = AppendChildElement(first, QStringLiteral("QUERY"), QStringLiteral("ST"), source);
         if (!n) {
-            RecordError(kErrNoObject, QString::fromUtf16(kNoObjectText) + QStringLiteral(" in Saving Query"), 0,
-                        QString());
+            RecordError(kErrNoObject, QString::fromUtf16(kNoObjectText) + QStringLiteral(" in Saving Query"),
+                        0, QString());
             return false;
         }
     }
@@ -159,7 +160,8 @@ bool MappingDocument::SaveQueryText(const QString& source, const QString& text)
 QList<Node> MappingDocument::QueryNodes()
 {
     QList<Node> out;
-    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
+    for (const pugi::xml_node& n :
+         d->select(SectionPath(QStringLiteral("QUERY")), QString(), QString(), false))
         out.append(Node(n.internal_object()));
     return out;
 }
@@ -273,8 +275,7 @@ Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, cons
 
 Node MappingDocument::AppendRuleElement(const Node& dump, const Node& field, const QString& rule)
 {
-    const Node element =
-        AppendChildElement(dump, field.name(), QStringLiteral("No"), field.attribute("No"));
+    const Node element = AppendChildElement(dump, field.name(), QStringLiteral("No"), field.attribute("No"));
     SetNodeAttribute(element, QStringLiteral("TEXT"), QString());
     if (!rule.isNull())
         fillRule(element, rule);
@@ -294,7 +295,8 @@ void MappingDocument::fillRule(const Node& element, const QString& rule)
 QList<Node> MappingDocument::DumpNodes()
 {
     QList<Node> out;
-    for (const pugi::xml_node& n : d->select(SectionPath(QStringLiteral("DUMP")), QString(), QString(), false))
+    for (const pugi::xml_node& n :
+         d->select(SectionPath(QStringLiteral("DUMP")), QString(), QString(), false))
         out.append(Node(n.internal_object()));
     return out;
 }
@@ -349,7 +351,8 @@ qint16 MappingDocument::GetDependencyLevel(const Node& field)
 
 // ---- documentation text numbers ------------------------------------------
 
-void MappingDocument::SetTextNumber(const QString& type, qint32 number, const QString& key1, const QString& key2)
+void MappingDocument::SetTextNumber(const QString& type, qint32 number, const QString& key1,
+                                    const QString& key2)
 {
     if (type == u"P")
         SetPreconditionTextNumber(number);

@@ -5,17 +5,15 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 #include <QStringConverter>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
-
 #include <algorithm>
-#include <memory>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -112,9 +110,9 @@ TextFileWriter::TextFileWriter(const QString& path) : m_path(path)
         // Asking for the temporary folder may itself create it again (it is
         // this user's private folder), so look once more before making it.
         const bool inTemp = ensureTrailingSlash(folder) == TempFolder();
-        const bool made = QDir(folder).exists() ||
-                          (QDir().mkpath(folder) &&
-                           (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
+        const bool made =
+            QDir(folder).exists() ||
+            (QDir().mkpath(folder) && (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
         if (!made) {
             fail(QStringLiteral("Cannot create the folder ") + folder);
             return;
@@ -153,7 +151,8 @@ bool TextFileWriter::commit()
     if (!m_file->flush())
         return fail(m_file->errorString());
     m_file->close();
-    if (::rename(QFile::encodeName(m_file->fileName()).constData(), QFile::encodeName(m_path).constData()) != 0)
+    if (::rename(QFile::encodeName(m_file->fileName()).constData(), QFile::encodeName(m_path).constData()) !=
+        0)
         return fail(QString::fromLocal8Bit(std::strerror(errno)));
     m_file->setAutoRemove(false); // it is the target now
     return true;

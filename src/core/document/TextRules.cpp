@@ -121,14 +121,14 @@ bool IsNumeric(const QString& text)
 }
 
 namespace {
-template <typename Int>
-std::optional<Int> toWhole(const QString& text)
+template <typename Int> std::optional<Int> toWhole(const QString& text)
 {
     const auto value = NumericValue(text);
     if (!value)
         return std::nullopt;
     const double rounded = std::nearbyint(*value); // default rounding: halves to even
-    if (rounded < double(std::numeric_limits<Int>::min()) || rounded > double(std::numeric_limits<Int>::max()))
+    if (rounded < double(std::numeric_limits<Int>::min()) ||
+        rounded > double(std::numeric_limits<Int>::max()))
         return std::nullopt;
     return static_cast<Int>(rounded);
 }

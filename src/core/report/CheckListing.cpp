@@ -56,8 +56,9 @@ QString RenderCheckListing(const QList<Problem>& problems, ListingFormat format)
     if (format == ListingFormat::Text) {
         QString out;
         for (const Problem& p : problems)
-            out += SeverityText(p.severity) + u'\t' + (p.dump > 0 ? QString::number(p.dump) : QStringLiteral("-")) +
-                   u'\t' + column(p.field) + u'\t' + column(p.message) + u'\n';
+            out += SeverityText(p.severity) + u'\t' +
+                   (p.dump > 0 ? QString::number(p.dump) : QStringLiteral("-")) + u'\t' + column(p.field) +
+                   u'\t' + column(p.message) + u'\n';
         return out;
     }
     QJsonArray array;

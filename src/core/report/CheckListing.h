@@ -4,7 +4,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <optional>
 
 // The problems of a mapping as a listing for a terminal or a pipeline, and

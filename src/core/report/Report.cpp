@@ -1,7 +1,6 @@
 #include "Report.h"
 
 #include "ReportRenderers_p.h"
-
 #include "core/dictionary/FieldRules.h"
 #include "core/document/LineBreaks.h"
 #include "core/document/TextRules.h"
@@ -214,7 +213,8 @@ QString ProblemCounts(int errors, int warnings)
 {
     QStringList parts;
     if (errors > 0)
-        parts.append(QString::number(errors) + (errors == 1 ? QStringLiteral(" error") : QStringLiteral(" errors")));
+        parts.append(QString::number(errors) +
+                     (errors == 1 ? QStringLiteral(" error") : QStringLiteral(" errors")));
     if (warnings > 0)
         parts.append(QString::number(warnings) +
                      (warnings == 1 ? QStringLiteral(" warning") : QStringLiteral(" warnings")));

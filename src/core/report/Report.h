@@ -7,7 +7,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <optional>
 
 // The mapping specification of a mapping object: what a customer signs off
@@ -53,9 +52,9 @@ struct ReportDump {
 };
 
 struct MappingReport {
-    QString table;             // the document's table name, trailing blanks cut
-    QStringList sourceTables;  // the listed source tables, in list order
-    QList<ReportDump> dumps;   // the dumps the checks look at, by number
+    QString table;                // the document's table name, trailing blanks cut
+    QStringList sourceTables;     // the listed source tables, in list order
+    QList<ReportDump> dumps;      // the dumps the checks look at, by number
     QList<Problem> otherProblems; // problems outside the referenced dumps' fields
 };
 

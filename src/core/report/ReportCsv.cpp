@@ -18,11 +18,12 @@ QString cell(const QString& text)
     QString value = text;
     if (!value.isEmpty()) {
         const QChar first = value.front();
-        if (first == u'=' || first == u'+' || first == u'-' || first == u'@' || first == u'\t' || first == u'\r')
+        if (first == u'=' || first == u'+' || first == u'-' || first == u'@' || first == u'\t' ||
+            first == u'\r')
             value.prepend(u'\'');
     }
-    const bool quoted = value.contains(u',') || value.contains(u'"') || value.contains(u'\n') ||
-                        value.contains(u'\r');
+    const bool quoted =
+        value.contains(u',') || value.contains(u'"') || value.contains(u'\n') || value.contains(u'\r');
     if (!quoted)
         return value;
     value.replace(QStringLiteral("\""), QStringLiteral("\"\""));
@@ -50,16 +51,17 @@ QString RenderCsv(const MappingReport& report)
                  QStringLiteral("Mandatory"), QStringLiteral("Rule"), QStringLiteral("Source fields"),
                  QStringLiteral("Documentation"), QStringLiteral("Open problems")});
     for (const ReportDump& d : report.dumps) {
-        const QStringList dump{QString::number(d.number), d.text, TargetTableCell(d), CoverageShort(d.coverage)};
+        const QStringList dump{QString::number(d.number), d.text, TargetTableCell(d),
+                               CoverageShort(d.coverage)};
         for (const ReportField& f : d.fields)
             record(out, dump + QStringList{f.number, f.name, f.description, f.type, f.length,
                                            MandatoryCell(f.mandatory), f.rule, f.sources.join(u'\n'),
                                            DocumentationCell(f), ProblemsCell(f.problems)});
     }
     for (const Problem& p : report.otherProblems)
-        record(out, {p.dump > 0 ? QString::number(p.dump) : QString(), QString(), QString(), QString(), QString(),
-                     p.field, QString(), QString(), QString(), QString(), QString(), QString(), QString(),
-                     ProblemLine(p)});
+        record(out, {p.dump > 0 ? QString::number(p.dump) : QString(), QString(), QString(), QString(),
+                     QString(), p.field, QString(), QString(), QString(), QString(), QString(), QString(),
+                     QString(), ProblemLine(p)});
     return out;
 }
 

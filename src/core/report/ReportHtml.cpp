@@ -108,7 +108,8 @@ footer { margin-top: 24px; color: var(--muted); font-size: 11px; }
 void bar(QString& out, const Coverage& c)
 {
     const int percent = CoveragePercent(c);
-    out += percent == 100 ? QStringLiteral("<div class=\"bar complete\">") : QStringLiteral("<div class=\"bar\">");
+    out += percent == 100 ? QStringLiteral("<div class=\"bar complete\">")
+                          : QStringLiteral("<div class=\"bar\">");
     out += QStringLiteral("<span style=\"width:%1%\"></span></div>").arg(percent);
 }
 
@@ -120,7 +121,8 @@ void problemList(QString& out, const QList<Problem>& problems)
     for (const Problem& p : problems) {
         out += p.severity == Severity::Error ? QStringLiteral("<li class=\"error\"><b>")
                                              : QStringLiteral("<li class=\"warning\"><b>");
-        out += esc(SeverityText(p.severity)) + QStringLiteral(":</b> ") + esc(p.message) + QStringLiteral("</li>");
+        out += esc(SeverityText(p.severity)) + QStringLiteral(":</b> ") + esc(p.message) +
+               QStringLiteral("</li>");
     }
     out += QStringLiteral("</ul>");
 }
@@ -166,12 +168,14 @@ void overview(QString& out, const MappingReport& report)
             "<thead><tr><th>Dump</th><th>Description</th><th>Target table</th><th>Coverage</th>"
             "<th>Open problems</th></tr></thead><tbody>\n");
         for (const ReportDump& d : report.dumps) {
-            out += QStringLiteral("<tr><td class=\"num\"><a href=\"#dump-%1\">%1</a></td><td>").arg(d.number) +
-                   esc(d.text) + QStringLiteral("</td><td>") + esc(TargetTableCell(d)) + QStringLiteral("</td><td>");
+            out +=
+                QStringLiteral("<tr><td class=\"num\"><a href=\"#dump-%1\">%1</a></td><td>").arg(d.number) +
+                esc(d.text) + QStringLiteral("</td><td>") + esc(TargetTableCell(d)) +
+                QStringLiteral("</td><td>");
             bar(out, d.coverage);
             out += QStringLiteral("<div class=\"coverage\">") + esc(CoverageText(d.coverage)) +
-                   QStringLiteral("</div></td><td") + (d.errors + d.warnings == 0 ? QStringLiteral(" class=\"none\">")
-                                                                                 : QStringLiteral(">")) +
+                   QStringLiteral("</div></td><td") +
+                   (d.errors + d.warnings == 0 ? QStringLiteral(" class=\"none\">") : QStringLiteral(">")) +
                    esc(ProblemCounts(d.errors, d.warnings)) + QStringLiteral("</td></tr>\n");
         }
         out += QStringLiteral("</tbody></table>");
@@ -186,8 +190,8 @@ void overview(QString& out, const MappingReport& report)
 void fieldRow(QString& out, const ReportField& f)
 {
     out += f.rule.isEmpty() && f.mandatory ? QStringLiteral("<tr class=\"open\">") : QStringLiteral("<tr>");
-    out += QStringLiteral("<td class=\"num\">") + esc(f.number) + QStringLiteral("</td><td><div class=\"name\">") +
-           esc(f.name) + QStringLiteral("</div>");
+    out += QStringLiteral("<td class=\"num\">") + esc(f.number) +
+           QStringLiteral("</td><td><div class=\"name\">") + esc(f.name) + QStringLiteral("</div>");
     if (!f.description.isEmpty())
         out += QStringLiteral("<div class=\"desc\">") + esc(f.description) + QStringLiteral("</div>");
     out += QStringLiteral("</td><td>") + esc(f.type) + QStringLiteral("</td><td class=\"num\">") +
@@ -203,7 +207,8 @@ void fieldRow(QString& out, const ReportField& f)
     }
     out += QStringLiteral("</td><td class=\"doc\">");
     if (!f.hostTextNumber.isEmpty())
-        out += QStringLiteral("<span class=\"hosttext\">") + esc(DocumentationCell(f)) + QStringLiteral("</span>");
+        out += QStringLiteral("<span class=\"hosttext\">") + esc(DocumentationCell(f)) +
+               QStringLiteral("</span>");
     else
         out += esc(f.documentation);
     out += QStringLiteral("</td><td>");
@@ -221,14 +226,16 @@ void dumpSection(QString& out, const ReportDump& d)
     bar(out, d.coverage);
     out += QStringLiteral("</div>");
     if (d.fields.isEmpty()) {
-        out += d.targetTable.isEmpty() ? QStringLiteral("<p class=\"empty\">The dump is bound to no target table.</p>")
-                                       : QStringLiteral("<p class=\"empty\">The target table has no fields.</p>");
+        out += d.targetTable.isEmpty()
+                   ? QStringLiteral("<p class=\"empty\">The dump is bound to no target table.</p>")
+                   : QStringLiteral("<p class=\"empty\">The target table has no fields.</p>");
         out += QStringLiteral("</section>\n");
         return;
     }
     out += QStringLiteral(
         "<table class=\"fields\"><colgroup><col style=\"width:5%\"/><col style=\"width:14%\"/>"
-        "<col style=\"width:9%\"/><col style=\"width:6%\"/><col style=\"width:9%\"/><col style=\"width:19%\"/>"
+        "<col style=\"width:9%\"/><col style=\"width:6%\"/><col style=\"width:9%\"/><col "
+        "style=\"width:19%\"/>"
         "<col style=\"width:12%\"/><col style=\"width:13%\"/><col style=\"width:13%\"/></colgroup>"
         "<thead><tr><th>No.</th><th>Field</th><th>Type</th><th>Length</th><th>Mandatory</th><th>Rule</th>"
         "<th>Source fields</th><th>Documentation</th><th>Open problems</th></tr></thead><tbody>\n");
@@ -242,11 +249,11 @@ void dumpSection(QString& out, const ReportDump& d)
 QString RenderHtml(const MappingReport& report)
 {
     QString out;
-    out += QStringLiteral(
-        "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"/>"
-        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'\"/>"
-        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>"
-        "<title>Mapping specification \u2013 ");
+    out += QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"/>"
+                          "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+                          "style-src 'unsafe-inline'\"/>"
+                          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>"
+                          "<title>Mapping specification \u2013 ");
     out += esc(report.table) + QStringLiteral("</title><style>") + QString::fromUtf8(kStyle) +
            QStringLiteral("</style></head>\n<body>\n");
     header(out, report);

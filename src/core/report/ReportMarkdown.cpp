@@ -55,16 +55,19 @@ QString coverageCell(const Coverage& c)
 
 QString RenderMarkdown(const MappingReport& report)
 {
-    QString out = QStringLiteral("# Mapping specification: ") + md(report.table, false) + QStringLiteral("\n\n");
+    QString out =
+        QStringLiteral("# Mapping specification: ") + md(report.table, false) + QStringLiteral("\n\n");
     out += QStringLiteral("Source tables: ") +
-           md(report.sourceTables.isEmpty() ? QStringLiteral("None") : report.sourceTables.join(QStringLiteral(", ")),
+           md(report.sourceTables.isEmpty() ? QStringLiteral("None")
+                                            : report.sourceTables.join(QStringLiteral(", ")),
               false) +
            QStringLiteral("\n\n## Overview\n\n");
     if (report.dumps.isEmpty()) {
         out += QStringLiteral("No script references a dump.\n");
     } else {
-        tableHead(out, {QStringLiteral("Dump"), QStringLiteral("Description"), QStringLiteral("Target table"),
-                        QStringLiteral("Coverage"), QStringLiteral("Open problems")},
+        tableHead(out,
+                  {QStringLiteral("Dump"), QStringLiteral("Description"), QStringLiteral("Target table"),
+                   QStringLiteral("Coverage"), QStringLiteral("Open problems")},
                   {true});
         for (const ReportDump& d : report.dumps)
             row(out, {QString::number(d.number), d.text, TargetTableCell(d), coverageCell(d.coverage),
@@ -80,17 +83,18 @@ QString RenderMarkdown(const MappingReport& report)
         out += QStringLiteral("\n## Dump ") + QString::number(d.number);
         if (!d.text.isEmpty())
             out += QStringLiteral(" \u2013 ") + md(d.text, false);
-        out += QStringLiteral("\n\nTarget table: ") + md(TargetTableCell(d), false) + QStringLiteral(" \u00b7 ") +
-               md(coverageCell(d.coverage), false) + QStringLiteral("\n\n");
+        out += QStringLiteral("\n\nTarget table: ") + md(TargetTableCell(d), false) +
+               QStringLiteral(" \u00b7 ") + md(coverageCell(d.coverage), false) + QStringLiteral("\n\n");
         if (d.fields.isEmpty()) {
             out += d.targetTable.isEmpty() ? QStringLiteral("The dump is bound to no target table.\n")
                                            : QStringLiteral("The target table has no fields.\n");
             continue;
         }
-        tableHead(out, {QStringLiteral("No."), QStringLiteral("Field"), QStringLiteral("Description"),
-                        QStringLiteral("Type"), QStringLiteral("Length"), QStringLiteral("Mandatory"),
-                        QStringLiteral("Rule"), QStringLiteral("Source fields"), QStringLiteral("Documentation"),
-                        QStringLiteral("Open problems")},
+        tableHead(out,
+                  {QStringLiteral("No."), QStringLiteral("Field"), QStringLiteral("Description"),
+                   QStringLiteral("Type"), QStringLiteral("Length"), QStringLiteral("Mandatory"),
+                   QStringLiteral("Rule"), QStringLiteral("Source fields"), QStringLiteral("Documentation"),
+                   QStringLiteral("Open problems")},
                   {true, false, false, false, true});
         for (const ReportField& f : d.fields)
             row(out, {f.number, f.name, f.description, f.type, f.length, MandatoryCell(f.mandatory), f.rule,

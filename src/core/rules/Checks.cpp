@@ -88,12 +88,14 @@ bool passesFieldsOn(QString rule, const QList<FieldReference>& refs)
 {
     for (qsizetype i = refs.size() - 1; i >= 0; --i)
         rule.replace(refs[i].position, refs[i].length, QStringLiteral("@"));
-    static const QRegularExpression plain(QStringLiteral(
-        "^\\s*(?:utc\\.utc\\(@\\)|utc\\(@,0(?:,2)?\\)|@)(?:\\s*,\\s*(?:utc\\.utc\\(@\\)|utc\\(@,0(?:,2)?\\)|@))*\\s*$"));
+    static const QRegularExpression plain(
+        QStringLiteral("^\\s*(?:utc\\.utc\\(@\\)|utc\\(@,0(?:,2)?\\)|@)(?:\\s*,\\s*(?:utc\\.utc\\(@\\)|utc\\("
+                       "@,0(?:,2)?\\)|@))*\\s*$"));
     return plain.match(rule).hasMatch();
 }
 
-Problem problem(Severity severity, ProblemKind kind, qint16 dump, const QString& field, int row, QString message)
+Problem problem(Severity severity, ProblemKind kind, qint16 dump, const QString& field, int row,
+                QString message)
 {
     return Problem{severity, kind, dump, field, row, std::move(message)};
 }
@@ -122,10 +124,11 @@ QList<FieldReference> FieldReferences(const QString& rule)
         }
         const qsizetype end = wordEnd(rule, i);
         const bool member = i > 0 && rule[i - 1] == u'.';
-        if (!member && end - i == 8 && end + 1 < rule.size() && rule[end] == u'.' && isWordChar(rule[end + 1]) &&
-            IsValidTableName(rule.mid(i, 8))) {
+        if (!member && end - i == 8 && end + 1 < rule.size() && rule[end] == u'.' &&
+            isWordChar(rule[end + 1]) && IsValidTableName(rule.mid(i, 8))) {
             const qsizetype fieldEnd = wordEnd(rule, end + 1);
-            FieldReference ref{rule.mid(i, 8).toLower(), rule.mid(end + 1, fieldEnd - end - 1).toLower(), i, 0};
+            FieldReference ref{rule.mid(i, 8).toLower(), rule.mid(end + 1, fieldEnd - end - 1).toLower(), i,
+                               0};
             qsizetype after = fieldEnd;
             if (const auto index = arrayIndex(rule, fieldEnd)) {
                 ref.field += u'(' + index->first + u')';
@@ -184,8 +187,8 @@ QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, con
         const QString rule = row < rulesByRow.size() ? rulesByRow[row] : QString();
         if (!HasRule(rule)) {
             if (target.mandatory())
-                out.append(problem(Severity::Warning, ProblemKind::MandatoryWithoutRule, dump, target.name, row,
-                                   QStringLiteral("Mandatory field without a rule")));
+                out.append(problem(Severity::Warning, ProblemKind::MandatoryWithoutRule, dump, target.name,
+                                   row, QStringLiteral("Mandatory field without a rule")));
             continue;
         }
         const QList<FieldReference> refs = FieldReferences(rule);
@@ -193,16 +196,17 @@ QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, con
         for (const FieldReference& ref : refs) {
             const QString named = ref.table + u'.' + ref.field;
             if (!sources.isListed(ref.table)) {
-                out.append(problem(Severity::Error, ProblemKind::UnknownTable, dump, target.name, row,
-                                   ref.table + QStringLiteral(" is not a listed source table (") + named + u')'));
+                out.append(
+                    problem(Severity::Error, ProblemKind::UnknownTable, dump, target.name, row,
+                            ref.table + QStringLiteral(" is not a listed source table (") + named + u')'));
                 continue;
             }
             const FieldDefinition* source = sources.field(ref.table, ref.field);
             if (!source) {
                 if (!sources.hasArray(ref.table, ref.field))
                     out.append(problem(Severity::Error, ProblemKind::UnknownField, dump, target.name, row,
-                                       QStringLiteral("Source table ") + ref.table + QStringLiteral(" has no field ") +
-                                           ref.field));
+                                       QStringLiteral("Source table ") + ref.table +
+                                           QStringLiteral(" has no field ") + ref.field));
                 continue;
             }
             const QString loss = direct ? lossOf(*source, target.definition) : QString();

@@ -26,9 +26,9 @@ enum class ProblemKind {
 struct Problem {
     Severity severity = Severity::Error;
     ProblemKind kind = ProblemKind::UnknownTable;
-    qint16 dump = 0;  // 0 for a problem outside the dumps
-    QString field;    // the target field, qualified as the grid shows it; "" for none
-    int row = -1;     // the field's row in the rules grid
+    qint16 dump = 0; // 0 for a problem outside the dumps
+    QString field;   // the target field, qualified as the grid shows it; "" for none
+    int row = -1;    // the field's row in the rules grid
     QString message;
     bool operator==(const Problem&) const = default;
 };

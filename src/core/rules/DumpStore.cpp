@@ -28,7 +28,8 @@ QList<GridRule> RulesOfDump(MappingDocument& doc, qint16 number)
         // The text is looked up by the element's name in upper case, as the
         // dump's child texts always are: the first element of that name.
         if (const auto no = MappingDocument::ElementNo(c))
-            rules.append({*no - 1, MappingDocument::DisplayText(dump.childElement(c.name().toUpper()).text())});
+            rules.append(
+                {*no - 1, MappingDocument::DisplayText(dump.childElement(c.name().toUpper()).text())});
     }
     return rules;
 }

@@ -4,7 +4,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <functional>
 
 // What the commands of the "Define Dumps" tab do to the DUMP elements of a

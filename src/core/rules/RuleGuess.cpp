@@ -3,7 +3,6 @@
 #include "core/dictionary/FieldRules.h"
 
 #include <QHash>
-
 #include <algorithm>
 
 namespace fb {

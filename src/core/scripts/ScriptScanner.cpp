@@ -71,7 +71,8 @@ void WalkKeyword(const QString& text, const QString& keyword,
 
 bool IsWholeKeyword(const QString& rest, int p, int n)
 {
-    return rest.size() > p + n && IsSeparator(charAt(rest, p + n)) && (p == 1 || IsSeparator(charAt(rest, p - 1)));
+    return rest.size() > p + n && IsSeparator(charAt(rest, p + n)) &&
+           (p == 1 || IsSeparator(charAt(rest, p - 1)));
 }
 
 std::optional<qint16> DumpNumber(const QString& word)
@@ -165,11 +166,12 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
         m_doc.MigrateTables() = QStringList{QString()};
         WalkKeyword(text, kMigrate, [this](const QString& rest, int p, qsizetype) {
             if (rest.size() <= p + kMigrateLen) {
-                m_ui.MsgBox(QStringLiteral("Migrate Keyword Has to be followed by a TableName"), MsgButtons::Ok,
-                            MsgIcon::Critical);
+                m_ui.MsgBox(QStringLiteral("Migrate Keyword Has to be followed by a TableName"),
+                            MsgButtons::Ok, MsgIcon::Critical);
                 return false;
             }
-            if (IsKeywordAt(rest, p, kMigrateLen, QStringLiteral("Migrate Keyword has to followed by a TableName"))) {
+            if (IsKeywordAt(rest, p, kMigrateLen,
+                            QStringLiteral("Migrate Keyword has to followed by a TableName"))) {
                 qint32 consumed = 0;
                 const QString name = str::Trim(NextWord(str::Mid(rest, p + kMigrateLen), consumed));
                 if (!name.isEmpty())
@@ -178,7 +180,8 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
             return true;
         });
     } catch (const std::exception& e) {
-        m_doc.RecordError(0, QString::fromUtf8(e.what()), kErrParse, QStringLiteral("Error Parsing the Migrate Keyword"));
+        m_doc.RecordError(0, QString::fromUtf8(e.what()), kErrParse,
+                          QStringLiteral("Error Parsing the Migrate Keyword"));
         return false;
     }
     m_ui.MigrateTablesChanged();

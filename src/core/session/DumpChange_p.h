@@ -1,7 +1,6 @@
 #pragma once
 
 #include "MappingSession.h"
-
 #include "core/document/TextRules.h"
 
 namespace fb {

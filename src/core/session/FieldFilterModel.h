@@ -2,7 +2,6 @@
 
 #include <QSortFilterProxyModel>
 #include <QStringList>
-
 #include <functional>
 
 namespace fb {

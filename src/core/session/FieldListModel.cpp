@@ -8,7 +8,7 @@
 namespace fb {
 
 namespace {
-const char16_t* const kHeaders[] = {u"", u"No", u"Field Name", u"Type", u"Length", u"Description",
+const char16_t* const kHeaders[] = {u"",          u"No",   u"Field Name", u"Type", u"Length", u"Description",
                                     u"Alignment", u"Case", u"Domain"};
 constexpr int kFields = 9;
 } // namespace

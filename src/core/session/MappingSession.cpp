@@ -114,7 +114,8 @@ QString MappingSession::MappingObjectXML()
     // and the document is still handed back.
     bool written = false;
     QString error;
-    QString text = m_doc.SerializeToFile(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), &written, &error);
+    QString text =
+        m_doc.SerializeToFile(TempFilePath(m_doc.TableName(), QStringLiteral(".xml")), &written, &error);
     if (!written)
         qCWarning(lcExport, "the temporary export could not be written: %s", qPrintable(error));
     return text;
@@ -251,7 +252,8 @@ void MappingSession::TabChanged(int tab)
     StoreMainQuery();
     if (m_doc.ReferencedDumps().numbers.first() < 1) {
         setTab(0);
-        m_ui.MsgBox(QStringLiteral("Define Dumps"), MsgButtons::Ok, MsgIcon::Critical, QStringLiteral("Mapping Object"));
+        m_ui.MsgBox(QStringLiteral("Define Dumps"), MsgButtons::Ok, MsgIcon::Critical,
+                    QStringLiteral("Mapping Object"));
         return;
     }
     const QString tag = m_tag;

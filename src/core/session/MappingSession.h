@@ -4,15 +4,14 @@
 #include "FieldListModel.h"
 #include "ProblemsModel.h"
 #include "RulesModel.h"
-#include "core/rules/Coverage.h"
 #include "core/document/Interaction.h"
 #include "core/document/MappingDocument.h"
+#include "core/rules/Coverage.h"
 #include "core/scripts/ScriptScanner.h"
 
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
-
 #include <array>
 #include <functional>
 #include <memory>
@@ -36,17 +35,42 @@ public:
     // The commands whose enabled state the session decides, and the
     // target-table selector (a choice there is written into the dump).
     enum class Command {
-        CmdSelectSource, CmdBuildPre, CmdPreDoc, CmdPreEditor, cmdBuildMQ, CmdMQDoc, CmdMqEditor,
-        CmdOk, CmdFuncEditor, CmdFuncBuild, CmdEditRule, CmdMap, CmdGuess, CmdCopyDump, CmdChange,
-        CmdSuggest, CmbTargetTable
+        CmdSelectSource,
+        CmdBuildPre,
+        CmdPreDoc,
+        CmdPreEditor,
+        cmdBuildMQ,
+        CmdMQDoc,
+        CmdMqEditor,
+        CmdOk,
+        CmdFuncEditor,
+        CmdFuncBuild,
+        CmdEditRule,
+        CmdMap,
+        CmdGuess,
+        CmdCopyDump,
+        CmdChange,
+        CmdSuggest,
+        CmbTargetTable
     };
     static constexpr size_t kCommands = size_t(Command::CmbTargetTable) + 1;
     // What the shared script area of the "Mapping Object" tab shows.
     enum class ScriptView { PreCondition, Functions, Variables };
     // Where the session sends the keyboard focus.
     enum class Focus {
-        PreCondition, MainQuery, Functions, Variables, SourceTables, CmdSelectSource, MigrateSource, cmdBuildMQ,
-        DumpSelector, TargetTableSelector, TargetFields, Grid, Overlay
+        PreCondition,
+        MainQuery,
+        Functions,
+        Variables,
+        SourceTables,
+        CmdSelectSource,
+        MigrateSource,
+        cmdBuildMQ,
+        DumpSelector,
+        TargetTableSelector,
+        TargetFields,
+        Grid,
+        Overlay
     };
     Q_ENUM(Box)
     Q_ENUM(Command)
@@ -339,10 +363,11 @@ private:
     void clearHistory();
     void applyDumpState(const DumpState& state);
     void apply(const Step& step, bool forward);
-    QString describe(DumpAction action, const DumpState& before, const DumpState& after, const QString& detail) const;
+    QString describe(DumpAction action, const DumpState& before, const DumpState& after,
+                     const QString& detail) const;
     void recordSection(const QString& name, const SectionCopy& before, const QString& text);
-    void recordDocText(const QString& section, const QString& attrValue, const Node& before, const QString& text,
-                       const std::function<void()>& change);
+    void recordDocText(const QString& section, const QString& attrValue, const Node& before,
+                       const QString& text, const std::function<void()>& change);
 
     MappingDocument m_doc;
     Interaction& m_ui;

@@ -25,8 +25,9 @@ QVariant RulesModel::data(const QModelIndex& index, int role) const
     if (role == Qt::ToolTipRole && index.column() == 1)
         return LfText(m_rules[index.row()]);
     if (role == kFieldMarkRole && index.column() == 0)
-        return int(hasRule(index.row()) ? FieldMark::Mapped
-                   : isMandatory(index.row()) ? FieldMark::MandatoryOpen : FieldMark::None);
+        return int(hasRule(index.row())       ? FieldMark::Mapped
+                   : isMandatory(index.row()) ? FieldMark::MandatoryOpen
+                                              : FieldMark::None);
     return QVariant();
 }
 

@@ -3,7 +3,6 @@
 // documentation text).
 
 #include "DumpChange_p.h"
-
 #include "core/document/LineBreaks.h"
 #include "core/document/TextRules.h"
 #include "core/rules/DumpStore.h"
@@ -172,8 +171,8 @@ void MappingSession::StoreDumpRules(const QString& dumpNumber)
     if (m_multiTarget) {
         const QString table = m_targetTables.value(m_targetTableIndex);
         if (table.isEmpty()) {
-            m_ui.MsgBox(QStringLiteral("TargetTable for the Dump Not chosen. Please Choose One Now"), MsgButtons::Ok,
-                        MsgIcon::Critical);
+            m_ui.MsgBox(QStringLiteral("TargetTable for the Dump Not chosen. Please Choose One Now"),
+                        MsgButtons::Ok, MsgIcon::Critical);
             // To "Define Dumps" without its entry steps: they would reload
             // the grid before the rules being stored are written.
             setTab(1);
@@ -204,7 +203,8 @@ void MappingSession::LoadDumpRules(qint16 number)
         setDumpIndex(0);
     const int selected = SelectedDumpNumber();
     const auto key = str::ToInteger(selectedDumpText().section(QStringLiteral("--"), 0, 0));
-    m_details = kDetailsCaption + QString::number(selected) + u':' + m_doc.KnownDumps().value(key.value_or(0));
+    m_details =
+        kDetailsCaption + QString::number(selected) + u':' + m_doc.KnownDumps().value(key.value_or(0));
     m_dumpToolTip = m_details;
     Q_EMIT detailsChanged();
 }
@@ -313,8 +313,9 @@ void MappingSession::clickCmdCopyDump()
     DumpChange change(*this, DumpAction::Copy);
     CommitOpenEdit();
     const qint16 target = SelectedDumpNumber();
-    const QString answer = m_ui.InputBox(QStringLiteral("Please enter the dump number to be copied from: "),
-                                         QStringLiteral("Copying rules to dump : ") + QString::number(target));
+    const QString answer =
+        m_ui.InputBox(QStringLiteral("Please enter the dump number to be copied from: "),
+                      QStringLiteral("Copying rules to dump : ") + QString::number(target));
     if (answer.isEmpty())
         return;
     // A number that is not a 16-bit whole number is as invalid as a word.
@@ -343,8 +344,8 @@ void MappingSession::clickCmdCopyDump()
         targetTable = sourceTable;
     }
     if (targetTable.toUpper() != sourceTable.toUpper()) {
-        m_ui.MsgBox(QStringLiteral("Dump ") + answer + QStringLiteral("  is associated with table: ") + sourceTable +
-                        QStringLiteral(". So it is not possible to copy rules."),
+        m_ui.MsgBox(QStringLiteral("Dump ") + answer + QStringLiteral("  is associated with table: ") +
+                        sourceTable + QStringLiteral(". So it is not possible to copy rules."),
                     MsgButtons::Ok, MsgIcon::Exclamation, QStringLiteral("Copying Dumps "));
         return;
     }
@@ -355,7 +356,8 @@ void MappingSession::clickCmdCopyDump()
     }
     const QString confirm = QStringLiteral("Press 'OK' To Copy Dump ") + str::SignPadded(*source) +
                             QStringLiteral(" To Dump : ") + str::SignPadded(target);
-    if (m_ui.MsgBox(confirm, MsgButtons::OkCancel, MsgIcon::Information, QStringLiteral("Copy Dumps")) != MsgAnswer::Ok)
+    if (m_ui.MsgBox(confirm, MsgButtons::OkCancel, MsgIcon::Information, QStringLiteral("Copy Dumps")) !=
+        MsgAnswer::Ok)
         return;
     const int copied = CopyDumpRules(m_doc, from, to);
     ShowDump(target);
@@ -376,7 +378,8 @@ void MappingSession::clickCmdChange()
         return;
     const qint16 number = SelectedDumpNumber();
     m_dialogOpen = true;
-    const QString chosen = m_ui.ChooseTargetTable(number, m_targetTables, m_targetTables.value(m_targetTableIndex));
+    const QString chosen =
+        m_ui.ChooseTargetTable(number, m_targetTables, m_targetTables.value(m_targetTableIndex));
     m_dialogOpen = false;
     const QString present = m_targetTableName;
     change.setDetail(chosen);
@@ -384,9 +387,9 @@ void MappingSession::clickCmdChange()
         if (DumpHasRules(m_doc.GetDumpNode(number))) {
             const QString n = str::SignPadded(number);
             const QString question = QStringLiteral("You are changing the association of dump") + n +
-                                     QStringLiteral(" from table : ") + present + QStringLiteral(" to ") + chosen +
-                                     QStringLiteral("\r\nYou lose the maintained rules of dump") + n +
-                                     QStringLiteral(" for target table ") + present +
+                                     QStringLiteral(" from table : ") + present + QStringLiteral(" to ") +
+                                     chosen + QStringLiteral("\r\nYou lose the maintained rules of dump") +
+                                     n + QStringLiteral(" for target table ") + present +
                                      QStringLiteral("\r\n Press 'Yes' to Proceed; 'No' to Cancel the Action");
             if (m_ui.MsgBox(question, MsgButtons::YesNo, MsgIcon::Critical) != MsgAnswer::Yes)
                 return;

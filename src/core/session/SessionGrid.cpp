@@ -3,7 +3,6 @@
 // function builder, the external editor).
 
 #include "DumpChange_p.h"
-
 #include "core/document/LineBreaks.h"
 #include "core/document/TextRules.h"
 #include "core/rules/RuleGuess.h"
@@ -256,7 +255,8 @@ void MappingSession::clickCmdGuess()
             continue;
         const QString prompt = QStringLiteral("You may lose some/all Data of ") + m_details +
                                QStringLiteral("\r\n Press 'Yes' to Proceed; 'No' to Cancel ");
-        const QString title = QStringLiteral("Guessing rules for dump : ") + QString::number(SelectedDumpNumber());
+        const QString title =
+            QStringLiteral("Guessing rules for dump : ") + QString::number(SelectedDumpNumber());
         if (m_ui.MsgBox(prompt, MsgButtons::YesNo, MsgIcon::Critical, title) != MsgAnswer::Yes)
             return;
         break;

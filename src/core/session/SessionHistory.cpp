@@ -3,7 +3,6 @@
 // exactly that, whatever else happened in between (switching dumps, tabs).
 
 #include "DumpChange_p.h"
-
 #include "core/document/TextRules.h"
 #include "core/rules/DumpStore.h"
 
@@ -15,8 +14,8 @@ MappingSession::DumpState MappingSession::captureDump(qint16 number) const
     if (number <= 0)
         return state;
     state.number = number;
-    state.element = m_doc.CopySection(m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"),
-                                                      QString::number(number)));
+    state.element = m_doc.CopySection(
+        m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"), QString::number(number)));
     if (str::ToInteger(m_tag).value_or(0) == number)
         state.grid = m_rules.rules();
     return state;
@@ -44,9 +43,11 @@ QString MappingSession::describe(DumpAction action, const DumpState& before, con
     case DumpAction::FunctionBuilder:
         return QStringLiteral("Function builder: ") + what + dump;
     case DumpAction::Copy:
-        return QStringLiteral("Copy: dump ") + detail + QStringLiteral(" into dump ") + QString::number(after.number);
+        return QStringLiteral("Copy: dump ") + detail + QStringLiteral(" into dump ") +
+               QString::number(after.number);
     case DumpAction::Bind:
-        return QStringLiteral("Bind: dump ") + QString::number(after.number) + QStringLiteral(" to ") + detail;
+        return QStringLiteral("Bind: dump ") + QString::number(after.number) + QStringLiteral(" to ") +
+               detail;
     case DumpAction::Documentation:
         return QStringLiteral("Documentation: ") + detail + dump;
     }
@@ -113,8 +114,8 @@ void MappingSession::apply(const Step& step, bool forward)
         m_doc.RestoreSection(forward ? step.sectionAfter : step.sectionBefore, m_doc.RootChild(step.section));
         break;
     case Step::Kind::DocText: {
-        const Node node = m_doc.RootChild(step.section, step.attrValue.isNull() ? QString() : QStringLiteral("ST"),
-                                          step.attrValue);
+        const Node node = m_doc.RootChild(
+            step.section, step.attrValue.isNull() ? QString() : QStringLiteral("ST"), step.attrValue);
         const DocTextState& state = forward ? step.docAfter : step.docBefore;
         if (state.present)
             m_doc.SetDocText(node, state.text);
@@ -129,8 +130,9 @@ void MappingSession::apply(const Step& step, bool forward)
 
 void MappingSession::applyDumpState(const DumpState& state)
 {
-    const Node dump = m_doc.RestoreSection(
-        state.element, m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"), QString::number(state.number)));
+    const Node dump =
+        m_doc.RestoreSection(state.element, m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"),
+                                                            QString::number(state.number)));
     if (str::ToInteger(m_tag).value_or(0) != state.number) {
         // The grid holds another dump now: the rules it held for this one go
         // where leaving the dump put them.

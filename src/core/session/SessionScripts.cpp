@@ -4,7 +4,6 @@
 
 #include "ExternalEditor.h"
 #include "MappingSession.h"
-
 #include "core/document/LineBreaks.h"
 #include "core/document/TextFile.h"
 #include "core/document/TextRules.h"
@@ -225,7 +224,8 @@ void MappingSession::clickCmdMQDoc()
     if (const auto result = editDocText(QStringLiteral("Text for Migrate:") + m_doc.TableName(), text)) {
         const Node node = m_doc.GetQueryNode(table);
         recordDocText(QStringLiteral("QUERY"), node.attribute("ST"), node,
-                      QStringLiteral("Documentation: main query of ") + table, [&] { m_doc.SetDocText(node, *result); });
+                      QStringLiteral("Documentation: main query of ") + table,
+                      [&] { m_doc.SetDocText(node, *result); });
     }
 }
 

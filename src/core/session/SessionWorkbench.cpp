@@ -3,9 +3,8 @@
 // the marks of mapped and open mandatory fields, and the checks, which run a
 // few dumps at a time between the user's keystrokes.
 
-#include "MappingSession.h"
-
 #include "FieldMarks.h"
+#include "MappingSession.h"
 #include "core/document/TextRules.h"
 
 #include <QElapsedTimer>
@@ -41,7 +40,8 @@ void MappingSession::rulesChanged()
     m_targetFields.marksChanged();
     Q_EMIT coverageChanged();
     // The dump being edited is checked again once the typing pauses.
-    if (const qint16 number = str::ToInteger(m_tag).value_or(0); number > 0 && m_checkedDumps.contains(number)) {
+    if (const qint16 number = str::ToInteger(m_tag).value_or(0);
+        number > 0 && m_checkedDumps.contains(number)) {
         if (!m_checkQueue.contains(number))
             m_checkQueue.prepend(number);
         if (!m_checkTimer.isActive())
@@ -93,9 +93,10 @@ QString MappingSession::dumpCoverageToolTip(int entry)
         return QString();
     const qint16 number = m_dumpNumbers[entry];
     // The dump in the grid counts what the grid holds, stored or not.
-    const Coverage c = number == str::ToInteger(m_tag).value_or(0) && m_rules.rowCount() > 0
-                           ? coverage()
-                           : CoverageOf(TargetFieldsOf(m_doc.GetTargetTableNode(number)), RulesOfDump(m_doc, number));
+    const Coverage c =
+        number == str::ToInteger(m_tag).value_or(0) && m_rules.rowCount() > 0
+            ? coverage()
+            : CoverageOf(TargetFieldsOf(m_doc.GetTargetTableNode(number)), RulesOfDump(m_doc, number));
     return QStringLiteral("Dump ") + QString::number(number) + QStringLiteral(": ") + CoverageText(c);
 }
 
@@ -137,8 +138,8 @@ void MappingSession::checkSome()
     while (!m_checkQueue.isEmpty() && clock.elapsed() < kCheckSliceMs) {
         const qint16 number = m_checkQueue.takeFirst();
         if (number == shown && m_rules.rowCount() > 0)
-            m_dumpProblems[number] = CheckDumpRules(
-                number, TargetFieldsOf(m_doc.GetTargetTableNode(number)), m_rules.rules(), sourceCatalogue());
+            m_dumpProblems[number] = CheckDumpRules(number, TargetFieldsOf(m_doc.GetTargetTableNode(number)),
+                                                    m_rules.rules(), sourceCatalogue());
         else
             m_dumpProblems[number] = CheckStoredDump(m_doc, number, sourceCatalogue());
     }

@@ -1,12 +1,11 @@
 // A minimal host: creates the control, drives it by property and method
 // names only, answers a source-table request and reads the document back.
 // Usage: consumer SAMPLE.xml; exit code 0 when everything held.
-#include <VelkPrjFieldbridge/ctlFieldbridge.h>
-
 #include <QApplication>
 #include <QFile>
 #include <QMetaObject>
 #include <QTextStream>
+#include <VelkPrjFieldbridge/ctlFieldbridge.h>
 
 namespace {
 
@@ -38,7 +37,8 @@ int main(int argc, char* argv[])
                      [&requested](const QString& tables) { requested = tables; });
 
     check(host->setProperty("Edit", true), QStringLiteral("Edit is a property"));
-    check(host->setProperty("TargetTable", QStringLiteral("klmno001")), QStringLiteral("TargetTable is a property"));
+    check(host->setProperty("TargetTable", QStringLiteral("klmno001")),
+          QStringLiteral("TargetTable is a property"));
     check(host->setProperty("MappingObjectXML", text), QStringLiteral("MappingObjectXML is a property"));
     check(QMetaObject::invokeMethod(host, "ShowControl"), QStringLiteral("ShowControl is invokable"));
     check(host->property("SourceTables").toString() == QStringLiteral("pqrst002,uvwxy003,abcde004"),
