@@ -9,8 +9,6 @@
 #include "MappingGenerator.h"
 #include "ctlFieldbridge.h"
 
-#include <pugixml.hpp>
-
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMessageBox>
@@ -18,11 +16,11 @@
 #include <QString>
 #include <QStringList>
 #include <QTimer>
-
 #include <chrono>
 #include <deque>
 #include <map>
 #include <memory>
+#include <pugixml.hpp>
 #include <string>
 #include <vector>
 
@@ -109,11 +107,7 @@ public:
     void load(const QString& text);
     bool activate();
 
-    template <typename T = QWidget>
-    T* find(const QString& name) const
-    {
-        return ctl->findChild<T*>(name);
-    }
+    template <typename T = QWidget> T* find(const QString& name) const { return ctl->findChild<T*>(name); }
 
     void clickTab(int index) const;
 

@@ -14,7 +14,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTreeView>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -211,7 +210,8 @@ void clickInto(QWidget* w)
 {
     auto* area = qobject_cast<QAbstractScrollArea*>(w);
     QWidget* target = area ? area->viewport() : w;
-    QTest::mouseClick(target, Qt::LeftButton, {}, area ? QPoint(target->width() / 2, 6) : target->rect().center());
+    QTest::mouseClick(target, Qt::LeftButton, {},
+                      area ? QPoint(target->width() / 2, 6) : target->rect().center());
 }
 
 void keyToFocus(Qt::Key key, Qt::KeyboardModifiers modifiers)
@@ -330,7 +330,8 @@ void measureMemory(const QString& size, int runs, SizeResults& out)
 void quietOffscreenMessages()
 {
     static QtMessageHandler previous = nullptr;
-    previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context,
+                                         const QString& message) {
         if (message.contains(u"propagateSizeHints"_s) || message.contains(u"This plugin does not support"_s))
             return;
         if (previous)

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QJsonDocument>
-
 #include <cmath>
 #include <cstdio>
 #include <thread>
@@ -48,7 +47,8 @@ const QList<Row>& rows()
         {u"undo a Guess"_s, u"undo a Guess (Ctrl+Z)"_s, Row::LargeAction, {}},
         {u"memory: pugixml parse"_s, u"peak MiB: pugixml parse alone"_s, Row::Floor, {}},
         {u"memory: load"_s, u"peak MiB: loading"_s, Row::Memory, u"memory: pugixml parse"_s},
-        {u"memory: load to read-back"_s, u"peak MiB: load to read-back"_s, Row::MemoryRead, u"memory: pugixml parse"_s},
+        {u"memory: load to read-back"_s, u"peak MiB: load to read-back"_s, Row::MemoryRead,
+         u"memory: pugixml parse"_s},
         {u"memory: baseline"_s, u"RSS MiB before loading"_s, Row::Info, {}},
     };
     return r;
@@ -161,8 +161,8 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
         return m && m->has() ? m->value() : std::nan("");
     };
 
-    const QStringList header{u"action"_s, u"large ms"_s, u"huge ms"_s, u"huge/large"_s, u"floor"_s,
-                             u"x floor"_s, u"goal"_s, u"met?"_s};
+    const QStringList header{u"action"_s, u"large ms"_s, u"huge ms"_s, u"huge/large"_s,
+                             u"floor"_s,  u"x floor"_s,  u"goal"_s,    u"met?"_s};
     const QList<int> widths{32, 9, 9, 10, 8, 7, 24, 5};
     const auto line = [&](const QStringList& cells) {
         QString out;
@@ -189,7 +189,14 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
                 m = get(u"huge"_s, row.key);
             const QString why = m && !m->skipped.isEmpty() ? m->skipped : u"not measured"_s;
             skipped.append(row.label + u": "_s + why);
-            line({row.label, u"skip"_s, u"skip"_s, {}, {}, {}, judge(row, large, huge, std::nan("")).goal, u"skip"_s});
+            line({row.label,
+                  u"skip"_s,
+                  u"skip"_s,
+                  {},
+                  {},
+                  {},
+                  judge(row, large, huge, std::nan("")).goal,
+                  u"skip"_s});
             QJsonObject o;
             o[u"action"_s] = row.label;
             o[u"skipped"_s] = why;
@@ -203,12 +210,11 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
         const Verdict v = judge(row, large, huge, floorRatio);
         if (v.met == u"NO"_s)
             ++missed;
-        const int decimals = row.kind == Row::Memory || row.kind == Row::MemoryRead ||
-                                     row.key.startsWith(u"memory"_s)
-                                 ? 0
-                                 : 1;
-        line({row.label, fmt(large, decimals), fmt(huge, decimals), fmt(huge / large, 2), fmt(floor, decimals),
-              fmt(floorRatio, 2), v.goal, v.met + (v.failed.isEmpty() ? QString() : u" ("_s + v.failed.join(u", "_s) + u')')});
+        const int decimals =
+            row.kind == Row::Memory || row.kind == Row::MemoryRead || row.key.startsWith(u"memory"_s) ? 0 : 1;
+        line({row.label, fmt(large, decimals), fmt(huge, decimals), fmt(huge / large, 2),
+              fmt(floor, decimals), fmt(floorRatio, 2), v.goal,
+              v.met + (v.failed.isEmpty() ? QString() : u" ("_s + v.failed.join(u", "_s) + u')')});
         QJsonObject o;
         o[u"action"_s] = row.label;
         o[u"unit"_s] = row.key.startsWith(u"memory"_s) ? u"MiB"_s : u"ms"_s;
@@ -264,18 +270,20 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
         if (s == results.end())
             continue;
         const SizeResults& r = s->second;
-        std::printf("%s: %.1f MB (%.1f MiB) of UTF-8, %d source fields, %d target fields, %d dumps, %d rules\n",
-                    qPrintable(size), double(r.bytes) / 1e6, double(r.bytes) / (1024.0 * 1024.0), r.sourceFields,
-                    r.targetFields, r.dumps, r.rules);
+        std::printf(
+            "%s: %.1f MB (%.1f MiB) of UTF-8, %d source fields, %d target fields, %d dumps, %d rules\n",
+            qPrintable(size), double(r.bytes) / 1e6, double(r.bytes) / (1024.0 * 1024.0), r.sourceFields,
+            r.targetFields, r.dumps, r.rules);
         const double base = value(size, u"memory: baseline"_s);
         const double parsePeak = value(size, u"memory: pugixml parse"_s);
         if (!std::isnan(base) && !std::isnan(parsePeak)) {
             const double parse = parsePeak - base;
             const double load = value(size, u"memory: load"_s) - base;
             const double read = value(size, u"memory: load to read-back"_s) - base;
-            std::printf("  peaks above the RSS before loading: pugixml parse %.0f MiB, loading %.0f MiB (%.2fx), "
-                        "load to read-back %.0f MiB (%.2fx)\n",
-                        parse, load, load / parse, read, read / parse);
+            std::printf(
+                "  peaks above the RSS before loading: pugixml parse %.0f MiB, loading %.0f MiB (%.2fx), "
+                "load to read-back %.0f MiB (%.2fx)\n",
+                parse, load, load / parse, read, read / parse);
         }
         const double load = value(size, u"load"_s);
         if (!std::isnan(load))
@@ -286,11 +294,12 @@ int report(const std::map<QString, SizeResults>& results, const QJsonArray& core
     }
     for (const QString& s : skipped)
         std::printf("skipped: %s\n", qPrintable(s));
-    std::printf("Times are medians of several runs; memory is the peak resident set (VmHWM) of a fresh process\n"
-                "after the same set-up, reset just before the phase. \"floor\" and \"x floor\" are at the largest\n"
-                "size measured. Growth (huge/large) is judged only above %.0f ms at huge. The JSON holds every run,\n"
-                "and the process's CPU time beside the wall-clock time of each timed span.\n",
-                kGrowthJudgedAboveMs);
+    std::printf(
+        "Times are medians of several runs; memory is the peak resident set (VmHWM) of a fresh process\n"
+        "after the same set-up, reset just before the phase. \"floor\" and \"x floor\" are at the largest\n"
+        "size measured. Growth (huge/large) is judged only above %.0f ms at huge. The JSON holds every run,\n"
+        "and the process's CPU time beside the wall-clock time of each timed span.\n",
+        kGrowthJudgedAboveMs);
 
     const QString model = machineModel();
     const int cores = int(std::thread::hardware_concurrency());

@@ -1,7 +1,6 @@
 #include "MappingGenerator.h"
 
 #include <QStringList>
-
 #include <algorithm>
 #include <set>
 #include <vector>
@@ -71,7 +70,9 @@ QString GenerateMapping(const MappingShape& shape)
     for (int d = 1; d <= shape.dumps; ++d) {
         out += QStringLiteral("<DUMP No=\"%1\" TXT=\"Dump number %1\">").arg(d);
         for (int r = 0; r < std::min(shape.rulesPerDump, shape.targetFields); ++r)
-            out += QStringLiteral("<%1 No=\"%2\" TYPE=\"0\" TEXT=\"\">src.fld%2</%1>").arg(fieldName(r)).arg(r + 1);
+            out += QStringLiteral("<%1 No=\"%2\" TYPE=\"0\" TEXT=\"\">src.fld%2</%1>")
+                       .arg(fieldName(r))
+                       .arg(r + 1);
         out += QStringLiteral("</DUMP>");
     }
     out += QStringLiteral("<TARTAB><KLMNO001>");
@@ -143,10 +144,8 @@ constexpr const char* kDescriptions[] = {
 constexpr int kDescriptionCount = int(sizeof(kDescriptions) / sizeof(kDescriptions[0]));
 
 constexpr const char* kNotes[] = {
-    "Übernahme aus dem Altsystem",
-    "Leere Werte: Vorgabe des Zielsystems",
-    "Только действующие записи",
-    "Value cut to the target length",
+    "Übernahme aus dem Altsystem", "Leere Werte: Vorgabe des Zielsystems",
+    "Только действующие записи",   "Value cut to the target length",
     "Rounded to two decimals",
 };
 constexpr int kNoteCount = int(sizeof(kNotes) / sizeof(kNotes[0]));
@@ -279,7 +278,8 @@ void writeFieldDefinitions(Writer& w, const Table& table)
     int no = 0;
     for (const Field& f : table.fields) {
         ++no;
-        w << '<' << f.name << " No=\"" << no << "\" FNo=\"" << (no * 7 % 150 + 1) << "\" TYPE=\"" << f.type << '"';
+        w << '<' << f.name << " No=\"" << no << "\" FNo=\"" << (no * 7 % 150 + 1) << "\" TYPE=\"" << f.type
+          << '"';
         switch (f.type) {
         case 'B':
         case 'I':
@@ -312,7 +312,8 @@ std::string qualified(const Table& table, const Field& field)
     const size_t arrow = field.name.find("__");
     if (arrow == std::string::npos)
         return table.name + '.' + lowerCase(field.name);
-    return table.name + '.' + lowerCase(field.name.substr(0, arrow)) + '(' + field.name.substr(arrow + 2) + ')';
+    return table.name + '.' + lowerCase(field.name.substr(0, arrow)) + '(' + field.name.substr(arrow + 2) +
+           ')';
 }
 
 std::string dumpText(int number, const Table& target)
@@ -382,8 +383,8 @@ std::string GenerateMultiTargetUtf8(const MultiTargetShape& shape)
         w << (s ? "," : "") << sources[size_t(s)].name;
     w << "</SRCTBL>";
 
-    w << "<PREC TEXT=\"\">| Generated mapping: " << shape.sourceTables << " source tables, " << shape.targetTables
-      << " target tables\n";
+    w << "<PREC TEXT=\"\">| Generated mapping: " << shape.sourceTables << " source tables, "
+      << shape.targetTables << " target tables\n";
     for (int s = 0; s < migrated; ++s)
         w << "migrate " << sources[size_t(s)].name << '\n';
     w << "if not exists(\"" << sources[0].name << "\") then\n\tabort(\"source table is empty\")\nendif\n";
@@ -394,9 +395,9 @@ std::string GenerateMultiTargetUtf8(const MultiTargetShape& shape)
 
     for (int q = 0; q < migrated; ++q) {
         const Table& s = sources[size_t(q)];
-        w << "<QUERY ST=\"" << s.name << "\" TEXT=\"\">select " << s.name << ".*\nfrom " << s.name << "\nwhere "
-          << qualified(s, s.fields[0]) << " &lt;&gt; \"X\"\norder by " << qualified(s, s.fields[1])
-          << "\nselectdo\n\trow.count = row.count + 1\n";
+        w << "<QUERY ST=\"" << s.name << "\" TEXT=\"\">select " << s.name << ".*\nfrom " << s.name
+          << "\nwhere " << qualified(s, s.fields[0]) << " &lt;&gt; \"X\"\norder by "
+          << qualified(s, s.fields[1]) << "\nselectdo\n\trow.count = row.count + 1\n";
         for (int d = precDumps + 1 + q; d <= dumps; d += migrated)
             w << "\tdump " << d << ' ' << dumpText(d, targets[size_t((d - 1) % shape.targetTables)]) << '\n';
         w << "endselect</QUERY>";
@@ -422,8 +423,8 @@ std::string GenerateMultiTargetUtf8(const MultiTargetShape& shape)
             const Field& from = source.fields[size_t(random.below(int(source.fields.size())))];
             const bool script = random.oneIn(25);
             const bool constant = !script && random.oneIn(6);
-            w << '<' << field.name << " No=\"" << (f + 1) << "\" TYPE=\"" << (script ? '1' : '0') << "\" TEXT=\""
-              << (random.oneIn(20) ? kNotes[random.below(kNoteCount)] : "") << "\">";
+            w << '<' << field.name << " No=\"" << (f + 1) << "\" TYPE=\"" << (script ? '1' : '0')
+              << "\" TEXT=\"" << (random.oneIn(20) ? kNotes[random.below(kNoteCount)] : "") << "\">";
             if (script)
                 w << "if " << qualified(source, from) << " &lt; 0 then\n\treturn 0\nendif\nreturn "
                   << qualified(source, from);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <cstdint>
 #include <string>
 
@@ -10,7 +9,7 @@ namespace fb::bench {
 // Shape of a generated mapping object.
 struct MappingShape {
     int sourceTables = 10;
-    int fieldsPerSource = 1000;  // 10 x 1000 = 10,000 source fields
+    int fieldsPerSource = 1000; // 10 x 1000 = 10,000 source fields
     int targetFields = 400;
     int dumps = 50;
     int rulesPerDump = 400;

@@ -33,7 +33,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
-
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -50,7 +49,8 @@ namespace {
 
 class Driver {
 public:
-    Driver(const QString& sizeName, int runs, SizeResults& out) : m_size(sizeName), m_runs(runs), m_out(out) {}
+    Driver(const QString& sizeName, int runs, SizeResults& out) : m_size(sizeName), m_runs(runs), m_out(out)
+    {}
 
     void run()
     {
@@ -63,7 +63,8 @@ public:
         floors(text);
         loads(text);
         if (!m_host.activate())
-            m_out.notes.append(u"the host window did not become active; focus-driven actions may not store"_s);
+            m_out.notes.append(
+                u"the host window did not become active; focus-driven actions may not store"_s);
         interactions();
         reads();
         if (!m_modals.unexpected().isEmpty())
@@ -167,7 +168,8 @@ private:
             last = m_host.ctl->property("MappingObjectXML").toString();
             add(u"read"_s, msSince(start));
         }
-        check(last.size() > m_out.bytes / 2, u"the document read back is much shorter than the one handed in"_s);
+        check(last.size() > m_out.bytes / 2,
+              u"the document read back is much shorter than the one handed in"_s);
         check(last.contains(u"| edit 1"_s), u"the edited precondition is not in the document read back"_s);
     }
 
@@ -184,7 +186,8 @@ private:
         auto* guess = h.find<QAbstractButton>(u"CmdGuess"_s);
         QWidget* precondition = h.find(u"txtPreCondition"_s);
         auto* sourceTables = h.find<QAbstractItemView>(u"lstSourceTables"_s);
-        if (!cmb || !details || !sources || !targets || !grid || !map || !guess || !precondition || !sourceTables) {
+        if (!cmb || !details || !sources || !targets || !grid || !map || !guess || !precondition ||
+            !sourceTables) {
             m_out.notes.append(u"a screen control of the contract is missing; no actions measured"_s);
             return;
         }
@@ -198,9 +201,11 @@ private:
         for (int run = 0; run < m_runs; ++run) {
             // Tab 1.
             add(u"switch tab"_s, timed([&] { h.clickTab(1); }));
-            check(h.find<QTabWidget>(u"MainTab"_s)->currentIndex() == 1, u"the tab bar click did not switch tabs"_s);
+            check(h.find<QTabWidget>(u"MainTab"_s)->currentIndex() == 1,
+                  u"the tab bar click did not switch tabs"_s);
             check(cmb->count() == m_out.dumps,
-                  u"the dump selector does not list every dump (%1 of %2)"_s.arg(cmb->count()).arg(m_out.dumps));
+                  u"the dump selector does not list every dump (%1 of %2)"_s.arg(cmb->count())
+                      .arg(m_out.dumps));
 
             // The next dump: into the selector (Alt+U), the next entry with
             // the arrow key, the focus on with Tab.
@@ -223,7 +228,8 @@ private:
             const int sourceRow = (run * 131 + 7) % std::max(1, sources->model()->rowCount());
             const int targetRow = (run * 17 + 3) % std::max(1, targets->model()->rowCount());
             add(u"tick a source field"_s, timed([&] {
-                    sources->model()->setData(sources->model()->index(sourceRow, 0), Qt::Checked, Qt::CheckStateRole);
+                    sources->model()->setData(sources->model()->index(sourceRow, 0), Qt::Checked,
+                                              Qt::CheckStateRole);
                 }));
             add(u"select a target field"_s, timed([&] { clickCell(targets, targetRow, 3); }));
             add(u"Map"_s, timed([&] { QTest::mouseClick(map, Qt::LeftButton); }));
@@ -240,8 +246,9 @@ private:
             add(u"Guess"_s, guessMs - openMs);
             const QStringList afterGuess = column(grid, 1);
             check(afterGuess != beforeGuess, u"Guess changed no rule"_s);
-            check(m_modals.answered() > boxesBefore || !std::any_of(beforeGuess.begin(), beforeGuess.end(),
-                                                                     [](const QString& r) { return !r.isEmpty(); }),
+            check(m_modals.answered() > boxesBefore ||
+                      !std::any_of(beforeGuess.begin(), beforeGuess.end(),
+                                   [](const QString& r) { return !r.isEmpty(); }),
                   u"Guess asked nothing although the dump had rules"_s);
             h.activate(); // under offscreen no window is active after a modal box
 
@@ -276,7 +283,8 @@ private:
 
             // Back to tab 0.
             add(u"switch back"_s, timed([&] { h.clickTab(0); }));
-            check(h.find<QTabWidget>(u"MainTab"_s)->currentIndex() == 0, u"the tab bar click did not switch back"_s);
+            check(h.find<QTabWidget>(u"MainTab"_s)->currentIndex() == 0,
+                  u"the tab bar click did not switch back"_s);
 
             // The precondition: a comment line typed at its end, then the
             // focus moves to the source table list (the text is stored).
@@ -295,7 +303,8 @@ private:
             add(u"type in the precondition (slowest key)"_s, slowestKey, false);
             add(u"store the precondition"_s, timed([&] {
                     QWidget* port = sourceTables->viewport();
-                    QTest::mouseClick(port, Qt::LeftButton, {}, QPoint(port->width() / 2, port->height() - 4));
+                    QTest::mouseClick(port, Qt::LeftButton, {},
+                                      QPoint(port->width() / 2, port->height() - 4));
                 }));
         }
     }
@@ -379,7 +388,10 @@ int main(int argc, char** argv)
     if (args.value(1) == u"--write-sample"_s) {
         const std::string text = fb::bench::GenerateMultiTargetUtf8(shapeOf(args.value(2)));
         QFile f(args.value(3));
-        return f.open(QIODevice::WriteOnly) && f.write(text.data(), qint64(text.size())) == qint64(text.size()) ? 0 : 1;
+        return f.open(QIODevice::WriteOnly) &&
+                       f.write(text.data(), qint64(text.size())) == qint64(text.size())
+                   ? 0
+                   : 1;
     }
 
     QStringList sizes{u"large"_s, u"huge"_s};

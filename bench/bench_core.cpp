@@ -79,8 +79,9 @@ void BM_GuessRules(benchmark::State& state)
                         QStringLiteral("String")});
     QList<FieldEntry> targets;
     for (int i = 0; i < 400; ++i)
-        targets.append({QStringLiteral("klmno001.fld%1").arg(i * 5) + (i % 4 == 0 ? QStringLiteral("(2)") : QString()),
-                        QStringLiteral("String")});
+        targets.append(
+            {QStringLiteral("klmno001.fld%1").arg(i * 5) + (i % 4 == 0 ? QStringLiteral("(2)") : QString()),
+             QStringLiteral("String")});
     for (auto _ : state)
         benchmark::DoNotOptimize(GuessRules(sources, targets));
 }
