@@ -185,6 +185,9 @@ private Q_SLOTS:
         QTest::newRow("guessed short form alone") << u"projects"_s << u"pros"_s << false;
         QTest::newRow("two-letter initialism alone") << u"portion_number"_s << u"pn"_s << false;
         QTest::newRow("nothing in common") << u"currency"_s << u"warehouse"_s << false;
+        QTest::newRow("the plural of the source") << u"invoices"_s << u"invoice"_s << false;
+        QTest::newRow("the singular of the source") << u"payment"_s << u"payments"_s << false;
+        QTest::newRow("both in the plural") << u"order_lines"_s << u"sales_order_lines"_s << true;
     }
     void acceptance()
     {

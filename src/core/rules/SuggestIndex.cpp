@@ -64,6 +64,18 @@ TermLink spellingLink(const QString& a, const QString& b)
     return best;
 }
 
+// One word written in the plural and the other in the singular (cases ~
+// case): a name in the plural tends to hold a list of things, one in the
+// singular one of them.
+bool numberDiffers(const QString& a, const QString& b)
+{
+    const auto plural = [](const QString& w) { return w.size() >= 4 && w.endsWith(u's') && !w.endsWith(u"ss"); };
+    return plural(a) != plural(b);
+}
+
+// The plural against the singular: a hint, not enough to accept on its own.
+constexpr double kOtherNumber = 0.4;
+
 } // namespace
 
 namespace suggest {
@@ -357,6 +369,8 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
                     sim = 0.85, kind = Match::Synonym;
                 else if (tw[i].link == WordLink::Abbreviation || sw[j].link == WordLink::Abbreviation)
                     sim = 0.95, kind = Match::Abbreviation;
+                else if (numberDiffers(tw[i].surface, sw[j].surface))
+                    sim = kOtherNumber, kind = Match::Inflection;
                 else
                     sim = 0.97, kind = Match::Inflection;
             } else if (!tw[i].digits && !sw[j].digits && t.links[size_t(i)]) {
