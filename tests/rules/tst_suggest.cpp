@@ -226,7 +226,8 @@ private Q_SLOTS:
         QTest::newRow("string into date") << typed('S', 10) << typed('T') << u"type String(10) may not convert to Date"_s
                                           << false;
         QTest::newRow("UTC into long") << typed('K') << typed('L', 9) << u"type UTC does not fit Long(9)"_s << false;
-        QTest::newRow("text takes all") << typed('K') << typed('U') << u"type UTC fits Text"_s << true;
+        QTest::newRow("text takes all but confirms nothing") << typed('K') << typed('U') << u"type UTC fits Text"_s
+                                                             << false;
         QTest::newRow("unknown says nothing") << typed('?') << typed('S', 5) << QString() << true;
     }
     void typeFits()
@@ -249,6 +250,9 @@ private Q_SLOTS:
         const double mayNot = fb::CompareTypes(typed('S', 10), typed('L', 9)).factor;
         const double doesNot = fb::CompareTypes(typed('K'), typed('L', 9)).factor;
         QVERIFY(fits > longer && longer > converts && converts > mayNot && mayNot > doesNot);
+        // Text neither loses nor confirms: below a fit, above a doubtful conversion.
+        const double text = fb::CompareTypes(typed('S', 10), typed('U')).factor;
+        QVERIFY(fits > text && text > mayNot);
     }
 
     void descriptionsSpeakForCrypticNames_data()

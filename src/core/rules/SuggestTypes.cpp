@@ -106,8 +106,10 @@ TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const Sugges
     if (s == Unknown || t == Unknown)
         return {};
     const auto fit = [](double factor, const char* verb) { return TypeVerdict{factor, verb}; };
+    // Text takes any value, so it loses nothing; but it confirms nothing
+    // either, where a typed field that fits speaks for the pair.
     if (s == Text || t == Text)
-        return fit(1.0, "fits");
+        return fit(0.9, "fits");
     // Byte < Integer < Long and Float < Double by their letters' rank.
     const auto rank = [](QChar c) {
         const char16_t order[] = u"BILFD";
