@@ -152,6 +152,8 @@ private Q_SLOTS:
                                                           << u"bill_of_lading"_s << u"initialism bol = bill of lading"_s;
         QTest::newRow("initialism with small words") << u"bill_of_lading"_s << QStringList{u"bill_date"_s, u"bol"_s}
                                                      << u"bol"_s << u"initialism bol = bill of lading"_s;
+        QTest::newRow("initialism over a matched word") << u"sales_v"_s << QStringList{u"sales_ab"_s, u"sales_sv"_s}
+                                                        << u"sales_sv"_s << u"initialism sv = sales v"_s;
         QTest::newRow("run-together words") << u"followup_date"_s << QStringList{u"follow_date"_s, u"follow_up_date"_s}
                                             << u"follow_up_date"_s << u"tokens follow+up+date ~ follow+up+date"_s;
         QTest::newRow("array index") << u"qty(2)"_s << QStringList{u"qty(1)"_s, u"qty(2)"_s, u"qty(3)"_s}

@@ -423,18 +423,27 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
                 continue;
             for (int len = 2; len <= 5 && oneGot[size_t(i)] == 0; ++len) {
                 for (int j = 0; j + len <= int(run.size()); ++j) {
-                    bool free = !run[j].stop && !run[j + len - 1].stop;
-                    for (int k = j; k < j + len && free; ++k)
-                        free = runGot[size_t(k)] == 0 && !run[k].digits;
-                    const Match kind = free ? spelledBy(one[i], run, j, j + len) : Match::None;
-                    if (kind == Match::None)
+                    // An initialism may spell words that matched already
+                    // (pathologic_t ~ pathologic_staging_pt: pt = pathologic
+                    // t) as long as one of them is still free.
+                    bool usable = !run[j].stop && !run[j + len - 1].stop;
+                    int taken = 0;
+                    for (int k = j; k < j + len && usable; ++k) {
+                        usable = !run[k].digits;
+                        taken += runGot[size_t(k)] > 0;
+                    }
+                    if (!usable || taken == len)
+                        continue;
+                    const Match kind = spelledBy(one[i], run, j, j + len);
+                    if (kind == Match::None || (taken > 0 && kind != Match::Initialism))
                         continue;
                     // Two letters stand for many pairs of words: a weak hint.
                     const qsizetype letters = one[i].surface.size();
                     const double sim = kind == Match::Compound ? 0.95 : letters == 2 ? 0.45 : letters == 3 ? 0.7 : 0.85;
                     oneGot[size_t(i)] = sim;
                     for (int k = j; k < j + len; ++k)
-                        runGot[size_t(k)] = sim;
+                        if (runGot[size_t(k)] == 0)
+                            runGot[size_t(k)] = sim;
                     matched(targetIsOne ? WordMatch{i, i + 1, j, j + len, sim, kind}
                                         : WordMatch{j, j + len, i, i + 1, sim, kind});
                     break;
