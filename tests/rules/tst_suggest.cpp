@@ -154,10 +154,14 @@ private Q_SLOTS:
                                                      << u"bol"_s << u"initialism bol = bill of lading"_s;
         QTest::newRow("initialism over a matched word") << u"sales_v"_s << QStringList{u"sales_ab"_s, u"sales_sv"_s}
                                                         << u"sales_sv"_s << u"initialism sv = sales v"_s;
+        QTest::newRow("a word before a lone letter") << u"route_m"_s << QStringList{u"stock_m"_s, u"route_code"_s}
+                                                     << u"route_code"_s << u"tokens route ~ route"_s;
         QTest::newRow("run-together words") << u"followup_date"_s << QStringList{u"follow_date"_s, u"follow_up_date"_s}
                                             << u"follow_up_date"_s << u"tokens follow+up+date ~ follow+up+date"_s;
         QTest::newRow("array index") << u"qty(2)"_s << QStringList{u"qty(1)"_s, u"qty(2)"_s, u"qty(3)"_s}
                                      << u"qty(2)"_s << u"array index 2"_s;
+        QTest::newRow("same name with an index") << u"note(2)"_s << QStringList{u"note"_s, u"note(2)"_s} << u"note(2)"_s
+                                                 << u"same name"_s;
         QTest::newRow("digit as array index") << u"addr(2)"_s << QStringList{u"address1"_s, u"address2"_s}
                                               << u"address2"_s << u"array index 2"_s;
     }

@@ -75,6 +75,10 @@ bool numberDiffers(const QString& a, const QString& b)
 
 // The plural against the singular: a hint, not enough to accept on its own.
 constexpr double kOtherNumber = 0.4;
+// A letter on its own against the same letter: it stands for too many words
+// to weigh like a word (the t of one name may be a type, the t of another a
+// tumor), as weak a hint as a two-letter initialism.
+constexpr double kLoneLetter = 0.45;
 
 } // namespace
 
@@ -364,7 +368,7 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
             Match kind = Match::None;
             if (t.terms[size_t(i)] >= 0 && t.terms[size_t(i)] == s.terms[j]) {
                 if (tw[i].surface == sw[j].surface)
-                    sim = 1.0, kind = Match::Exact;
+                    sim = tw[i].surface.size() == 1 && !tw[i].digits ? kLoneLetter : 1.0, kind = Match::Exact;
                 else if (tw[i].link == WordLink::Synonym || sw[j].link == WordLink::Synonym)
                     sim = 0.85, kind = Match::Synonym;
                 else if (tw[i].link == WordLink::Abbreviation || sw[j].link == WordLink::Abbreviation)
