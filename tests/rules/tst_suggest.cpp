@@ -86,6 +86,10 @@ private Q_SLOTS:
         QTest::newRow("short tail needs a long head") << u"liquid"_s << QString() << none << u"liquid"_s;
         QTest::newRow("words of the schema split")
             << u"tumorpurity"_s << QString() << QStringList{u"tumor_site"_s, u"purity"_s} << u"tumor purity"_s;
+        QTest::newRow("a prefix before a word") << u"subtotal"_s << QString() << none << u"sub total"_s;
+        QTest::newRow("a prefix before a word of the schema")
+            << u"subsite"_s << QString() << QStringList{u"site_code"_s} << u"sub site"_s;
+        QTest::newRow("a prefix before no word") << u"subject_code"_s << QString() << none << u"subject code"_s;
         QTest::newRow("without them it stays whole") << u"tumorpurity"_s << QString() << none << u"tumorpurity"_s;
         QTest::newRow("inflections share a stem") << u"smoking_histories"_s << QString() << none << u"smok history"_s;
         QTest::newRow("stop words carry no weight") << u"unit_of_measure"_s << QString() << none << u"unit measur"_s;

@@ -170,6 +170,19 @@ QStringList NameAnalyser::SplitCompound(const QString& part)
             }
         }
     }
+    if (out.isEmpty()) {
+        // A prefix before a word: a subtotal is a kind of total, a subtype a
+        // kind of type. Only prefixes that rarely begin a plain word (not
+        // pre, re, co: present, record, cover).
+        for (const char16_t* prefix : {u"sub", u"non", u"multi", u"semi", u"inter", u"intra", u"super", u"post"}) {
+            const QStringView p(prefix);
+            const QString rest = part.mid(p.size());
+            if (part.startsWith(p) && rest.size() >= 4 && (isKnown(rest) || m_vocabulary.contains(rest))) {
+                out = {p.toString(), rest};
+                break;
+            }
+        }
+    }
     if (out.isEmpty())
         out = {part};
     m_splits.insert(part, out);
