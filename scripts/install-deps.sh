@@ -8,8 +8,8 @@ packages=(
   cmake ninja-build g++ make pkg-config
   qt6-base-dev libqt6opengl6-dev qt6-tools-dev qt6-tools-dev-tools
   libpugixml-dev libqscintilla2-qt6-dev
-  libgtest-dev libbenchmark-dev
-  clang libclang-rt-14-dev
+  libbenchmark-dev
+  clang libclang-rt-14-dev clang-format-14
   fonts-dejavu-core
 )
 

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QWidget>
-
 #include <memory>
 
 #if defined(VELKPRJFIELDBRIDGE_LIBRARY)
@@ -26,7 +25,8 @@ class VELKPRJFIELDBRIDGE_EXPORT ctlFieldbridge : public QWidget {
     Q_OBJECT
     // Reading stores pending edits and writes the export file: not a property
     // for a form designer to read or save.
-    Q_PROPERTY(QString MappingObjectXML READ MappingObjectXML WRITE setMappingObjectXML DESIGNABLE false STORED false)
+    Q_PROPERTY(QString MappingObjectXML READ MappingObjectXML WRITE setMappingObjectXML
+                   DESIGNABLE false STORED false)
     Q_PROPERTY(QString Editor READ Editor WRITE setEditor)
     Q_PROPERTY(QString TargetTable READ TargetTable WRITE setTargetTable)
     Q_PROPERTY(bool Edit READ Edit WRITE setEdit)

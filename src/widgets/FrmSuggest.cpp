@@ -34,7 +34,8 @@ void showCandidate(QTreeWidgetItem* item, const SuggestionCandidate& c)
 
 } // namespace
 
-FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, double threshold, QWidget* parent)
+FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, double threshold,
+                       QWidget* parent)
     : QDialog(parent), m_rows(rows)
 {
     setObjectName(QStringLiteral("FrmSuggest"));
@@ -42,9 +43,10 @@ FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, d
     setModal(true);
     resize(1000, 600);
 
-    auto* intro = new QLabel(QStringLiteral("Tick the suggestions to take; a double-click on another candidate takes "
-                                            "it instead. Fields that have a rule are never ticked for you."),
-                             this);
+    auto* intro =
+        new QLabel(QStringLiteral("Tick the suggestions to take; a double-click on another candidate takes "
+                                  "it instead. Fields that have a rule are never ticked for you."),
+                   this);
     intro->setWordWrap(true);
     m_threshold = MakeChild<QDoubleSpinBox>(this, QStringLiteral("spnThreshold"));
     m_threshold->setRange(0.05, 1.0);
@@ -56,8 +58,8 @@ FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, d
     m_count = MakeChild<QLabel>(this, QStringLiteral("lblTicked"));
 
     m_list = MakeChild<QTreeWidget>(this, QStringLiteral("lstSuggestions"));
-    m_list->setHeaderLabels({QStringLiteral("Target field"), QStringLiteral("Rule now"), QStringLiteral("Suggestion"),
-                             QStringLiteral("Score"), QStringLiteral("Why")});
+    m_list->setHeaderLabels({QStringLiteral("Target field"), QStringLiteral("Rule now"),
+                             QStringLiteral("Suggestion"), QStringLiteral("Score"), QStringLiteral("Why")});
     m_list->setUniformRowHeights(true);
     m_list->setAlternatingRowColors(true);
     for (const SuggestionRow& row : m_rows) {

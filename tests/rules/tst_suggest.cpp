@@ -47,7 +47,8 @@ QString words(const fb::AnalysedName& a)
 }
 
 // The first candidate's field name and its reasons, or "" when none.
-QString best(const SuggestionEngine& engine, const QList<fb::SuggestedSource>& list, QStringList* reasons = nullptr)
+QString best(const SuggestionEngine& engine, const QList<fb::SuggestedSource>& list,
+             QStringList* reasons = nullptr)
 {
     if (list.isEmpty())
         return QString();
@@ -80,24 +81,32 @@ private Q_SLOTS:
         const QStringList none;
         QTest::newRow("camel case") << u"custNo"_s << QString() << none << u"customer number"_s;
         QTest::newRow("run of capitals") << u"XMLFile"_s << QString() << none << u"xml file"_s;
-        QTest::newRow("digits split, zeros go") << u"ORDER-LINE.02"_s << QString() << none << u"order line 2"_s;
-        QTest::newRow("known words written as one") << u"itemid"_s << QString() << none << u"item identifier"_s;
+        QTest::newRow("digits split, zeros go")
+            << u"ORDER-LINE.02"_s << QString() << none << u"order line 2"_s;
+        QTest::newRow("known words written as one")
+            << u"itemid"_s << QString() << none << u"item identifier"_s;
         QTest::newRow("unknown head before a tail") << u"dischtime"_s << QString() << none << u"disch time"_s;
         QTest::newRow("short tail needs a long head") << u"liquid"_s << QString() << none << u"liquid"_s;
         QTest::newRow("words of the schema split")
-            << u"tumorpurity"_s << QString() << QStringList{u"tumor_site"_s, u"purity"_s} << u"tumor purity"_s;
+            << u"tumorpurity"_s << QString() << QStringList{u"tumor_site"_s, u"purity"_s}
+            << u"tumor purity"_s;
         QTest::newRow("a prefix before a word") << u"subtotal"_s << QString() << none << u"sub total"_s;
         QTest::newRow("a prefix before a word of the schema")
             << u"subsite"_s << QString() << QStringList{u"site_code"_s} << u"sub site"_s;
-        QTest::newRow("a prefix before no word") << u"subject_code"_s << QString() << none << u"subject code"_s;
-        QTest::newRow("without them it stays whole") << u"tumorpurity"_s << QString() << none << u"tumorpurity"_s;
-        QTest::newRow("inflections share a stem") << u"smoking_histories"_s << QString() << none << u"smok history"_s;
-        QTest::newRow("stop words carry no weight") << u"unit_of_measure"_s << QString() << none << u"unit measur"_s;
+        QTest::newRow("a prefix before no word")
+            << u"subject_code"_s << QString() << none << u"subject code"_s;
+        QTest::newRow("without them it stays whole")
+            << u"tumorpurity"_s << QString() << none << u"tumorpurity"_s;
+        QTest::newRow("inflections share a stem")
+            << u"smoking_histories"_s << QString() << none << u"smok history"_s;
+        QTest::newRow("stop words carry no weight")
+            << u"unit_of_measure"_s << QString() << none << u"unit measur"_s;
         QTest::newRow("units weigh less") << u"height_in_cm"_s << QString() << none << u"height cm~"_s;
         QTest::newRow("array index is a word") << u"qty(2)"_s << QString() << none << u"quantity 2~"_s;
         QTest::newRow("leading table name weighs less")
             << u"drug_exposure_start_date"_s << u"Drug Exposure"_s << none << u"drug~ exposur~ start date"_s;
-        QTest::newRow("table name alone keeps its weight") << u"drug"_s << u"Drug Exposure"_s << none << u"drug"_s;
+        QTest::newRow("table name alone keeps its weight")
+            << u"drug"_s << u"Drug Exposure"_s << none << u"drug"_s;
     }
     void nameWords()
     {
@@ -140,32 +149,39 @@ private Q_SLOTS:
                                    << u"same name"_s;
         QTest::newRow("abbreviation") << u"quantity"_s << QStringList{u"quality_code"_s, u"qty"_s} << u"qty"_s
                                       << u"abbreviation qty = quantity"_s;
-        QTest::newRow("abbreviated words") << u"customer_number"_s << QStringList{u"cust_name"_s, u"cust_no"_s}
-                                           << u"cust_no"_s << u"tokens customer+number ~ cust+no"_s;
+        QTest::newRow("abbreviated words")
+            << u"customer_number"_s << QStringList{u"cust_name"_s, u"cust_no"_s} << u"cust_no"_s
+            << u"tokens customer+number ~ cust+no"_s;
         QTest::newRow("synonym") << u"gender"_s << QStringList{u"age"_s, u"sex"_s} << u"sex"_s
                                  << u"synonym gender ~ sex"_s;
-        QTest::newRow("guessed short form") << u"discharge_date"_s << QStringList{u"dispatch_date"_s, u"disch_date"_s}
-                                            << u"disch_date"_s << u"short form disch ~ discharge"_s;
-        QTest::newRow("close spelling") << u"pathology_report"_s
-                                        << QStringList{u"review_report"_s, u"pathologic_report"_s}
-                                        << u"pathologic_report"_s << u"similar spelling pathology ~ pathologic"_s;
-        QTest::newRow("one root") << u"admitting_source"_s << QStringList{u"adviser_source"_s, u"admission_source"_s}
+        QTest::newRow("guessed short form")
+            << u"discharge_date"_s << QStringList{u"dispatch_date"_s, u"disch_date"_s} << u"disch_date"_s
+            << u"short form disch ~ discharge"_s;
+        QTest::newRow("close spelling")
+            << u"pathology_report"_s << QStringList{u"review_report"_s, u"pathologic_report"_s}
+            << u"pathologic_report"_s << u"similar spelling pathology ~ pathologic"_s;
+        QTest::newRow("one root") << u"admitting_source"_s
+                                  << QStringList{u"adviser_source"_s, u"admission_source"_s}
                                   << u"admission_source"_s << u"same root admitting ~ admission"_s;
-        QTest::newRow("initialism of the source's words") << u"bol"_s
-                                                          << QStringList{u"bill_date"_s, u"bill_of_lading"_s}
-                                                          << u"bill_of_lading"_s << u"initialism bol = bill of lading"_s;
-        QTest::newRow("initialism with small words") << u"bill_of_lading"_s << QStringList{u"bill_date"_s, u"bol"_s}
-                                                     << u"bol"_s << u"initialism bol = bill of lading"_s;
-        QTest::newRow("initialism over a matched word") << u"sales_v"_s << QStringList{u"sales_ab"_s, u"sales_sv"_s}
-                                                        << u"sales_sv"_s << u"initialism sv = sales v"_s;
-        QTest::newRow("a word before a lone letter") << u"route_m"_s << QStringList{u"stock_m"_s, u"route_code"_s}
-                                                     << u"route_code"_s << u"tokens route ~ route"_s;
-        QTest::newRow("run-together words") << u"followup_date"_s << QStringList{u"follow_date"_s, u"follow_up_date"_s}
-                                            << u"follow_up_date"_s << u"tokens follow+up+date ~ follow+up+date"_s;
+        QTest::newRow("initialism of the source's words")
+            << u"bol"_s << QStringList{u"bill_date"_s, u"bill_of_lading"_s} << u"bill_of_lading"_s
+            << u"initialism bol = bill of lading"_s;
+        QTest::newRow("initialism with small words")
+            << u"bill_of_lading"_s << QStringList{u"bill_date"_s, u"bol"_s} << u"bol"_s
+            << u"initialism bol = bill of lading"_s;
+        QTest::newRow("initialism over a matched word")
+            << u"sales_v"_s << QStringList{u"sales_ab"_s, u"sales_sv"_s} << u"sales_sv"_s
+            << u"initialism sv = sales v"_s;
+        QTest::newRow("a word before a lone letter")
+            << u"route_m"_s << QStringList{u"stock_m"_s, u"route_code"_s} << u"route_code"_s
+            << u"tokens route ~ route"_s;
+        QTest::newRow("run-together words")
+            << u"followup_date"_s << QStringList{u"follow_date"_s, u"follow_up_date"_s} << u"follow_up_date"_s
+            << u"tokens follow+up+date ~ follow+up+date"_s;
         QTest::newRow("array index") << u"qty(2)"_s << QStringList{u"qty(1)"_s, u"qty(2)"_s, u"qty(3)"_s}
                                      << u"qty(2)"_s << u"array index 2"_s;
-        QTest::newRow("same name with an index") << u"note(2)"_s << QStringList{u"note"_s, u"note(2)"_s} << u"note(2)"_s
-                                                 << u"same name"_s;
+        QTest::newRow("same name with an index")
+            << u"note(2)"_s << QStringList{u"note"_s, u"note(2)"_s} << u"note(2)"_s << u"same name"_s;
         QTest::newRow("digit as array index") << u"addr(2)"_s << QStringList{u"address1"_s, u"address2"_s}
                                               << u"address2"_s << u"array index 2"_s;
     }
@@ -209,7 +225,8 @@ private Q_SLOTS:
             fields(u"srctab01"_s, {source, u"posting_date"_s, u"ledger_account"_s, u"item_text"_s}));
         fb::SuggestOptions all;
         all.top = 0;
-        const auto ranked = engine.Suggest(fields(u"tartab01"_s, {target, u"created_by"_s, u"remark"_s}), all);
+        const auto ranked =
+            engine.Suggest(fields(u"tartab01"_s, {target, u"created_by"_s, u"remark"_s}), all);
         double score = 0;
         for (const fb::SuggestedSource& c : ranked[0])
             if (engine.sources()[c.source].name == source)
@@ -223,21 +240,25 @@ private Q_SLOTS:
         QTest::addColumn<SuggestField>("target");
         QTest::addColumn<QString>("reason");
         QTest::addColumn<bool>("lossless");
-        QTest::newRow("shorter string") << typed('S', 30) << typed('S', 40) << u"type String(30) fits String(40)"_s << true;
-        QTest::newRow("longer string") << typed('S', 50) << typed('S', 40)
-                                       << u"type String(50) is longer than String(40)"_s << false;
-        QTest::newRow("narrower number") << typed('I', 4) << typed('L', 9) << u"type Integer(4) fits Long(9)"_s << true;
-        QTest::newRow("wider number") << typed('L') << typed('B') << u"type Long is wider than Byte"_s << false;
-        QTest::newRow("whole into real") << typed('L', 9) << typed('D', 15, 2) << u"type Long(9) fits Double(15,2)"_s
-                                         << true;
+        QTest::newRow("shorter string")
+            << typed('S', 30) << typed('S', 40) << u"type String(30) fits String(40)"_s << true;
+        QTest::newRow("longer string")
+            << typed('S', 50) << typed('S', 40) << u"type String(50) is longer than String(40)"_s << false;
+        QTest::newRow("narrower number")
+            << typed('I', 4) << typed('L', 9) << u"type Integer(4) fits Long(9)"_s << true;
+        QTest::newRow("wider number")
+            << typed('L') << typed('B') << u"type Long is wider than Byte"_s << false;
+        QTest::newRow("whole into real")
+            << typed('L', 9) << typed('D', 15, 2) << u"type Long(9) fits Double(15,2)"_s << true;
         QTest::newRow("real into whole") << typed('D', 15, 2) << typed('L', 9)
                                          << u"type Double(15,2) loses its decimals in Long(9)"_s << false;
         QTest::newRow("date into UTC") << typed('T') << typed('K') << u"type Date converts to UTC"_s << false;
-        QTest::newRow("string into date") << typed('S', 10) << typed('T') << u"type String(10) may not convert to Date"_s
-                                          << false;
-        QTest::newRow("UTC into long") << typed('K') << typed('L', 9) << u"type UTC does not fit Long(9)"_s << false;
-        QTest::newRow("text takes all but confirms nothing") << typed('K') << typed('U') << u"type UTC fits Text"_s
-                                                             << false;
+        QTest::newRow("string into date")
+            << typed('S', 10) << typed('T') << u"type String(10) may not convert to Date"_s << false;
+        QTest::newRow("UTC into long")
+            << typed('K') << typed('L', 9) << u"type UTC does not fit Long(9)"_s << false;
+        QTest::newRow("text takes all but confirms nothing")
+            << typed('K') << typed('U') << u"type UTC fits Text"_s << false;
         QTest::newRow("unknown says nothing") << typed('?') << typed('S', 5) << QString() << true;
     }
     void typeFits()
@@ -311,7 +332,8 @@ private Q_SLOTS:
         QList<SuggestField> sources = fields(u"srcaa001"_s, {u"status"_s, u"created"_s});
         sources.append(fields(u"srcbb002"_s, {u"status"_s, u"invoice_number"_s, u"invoice_date"_s}));
         const SuggestionEngine engine(sources);
-        const auto ranked = engine.Suggest(fields(u"tartab01"_s, {u"status"_s, u"invoice_number"_s, u"invoice_date"_s}));
+        const auto ranked =
+            engine.Suggest(fields(u"tartab01"_s, {u"status"_s, u"invoice_number"_s, u"invoice_date"_s}));
         QCOMPARE(engine.sources()[ranked[0][0].source].table, u"srcbb002"_s);
         QVERIFY(ranked[0][0].reasons.contains(u"table srcbb002 suits this dump"_s));
     }
@@ -334,7 +356,8 @@ private Q_SLOTS:
 
     void typeDecidesBetweenSameNames()
     {
-        const SuggestionEngine engine({field(u"srctab01"_s, u"amount"_s, 'S', 20), field(u"srctab02"_s, u"amount"_s, 'D', 15)});
+        const SuggestionEngine engine(
+            {field(u"srctab01"_s, u"amount"_s, 'S', 20), field(u"srctab02"_s, u"amount"_s, 'D', 15)});
         const auto ranked = engine.Suggest({field(u"tartab01"_s, u"amount"_s, 'D', 15)});
         QCOMPARE(engine.sources()[ranked[0][0].source].table, u"srctab02"_s);
         QVERIFY(ranked[0][1].score < ranked[0][0].score);
@@ -353,8 +376,8 @@ private Q_SLOTS:
         QFETCH(int, top);
         QFETCH(double, minScore);
         QFETCH(int, count);
-        const SuggestionEngine engine(fields(
-            u"srctab01"_s, {u"order_no"_s, u"order_date"_s, u"order_type"_s, u"order_text"_s, u"warehouse"_s}));
+        const SuggestionEngine engine(fields(u"srctab01"_s, {u"order_no"_s, u"order_date"_s, u"order_type"_s,
+                                                             u"order_text"_s, u"warehouse"_s}));
         fb::SuggestOptions options;
         options.top = top;
         options.minScore = minScore;
@@ -370,8 +393,8 @@ private Q_SLOTS:
             << QStringList{u"order_date"_s, u"order_dt"_s} << true << QStringList{u"order_date"_s, u"date"_s};
         QTest::newRow("list order does not decide")
             << QStringList{u"order_dt"_s, u"order_date"_s} << true << QStringList{u"date"_s, u"order_date"_s};
-        QTest::newRow("switched off")
-            << QStringList{u"order_date"_s, u"order_dt"_s} << false << QStringList{u"order_date"_s, u"order_date"_s};
+        QTest::newRow("switched off") << QStringList{u"order_date"_s, u"order_dt"_s} << false
+                                      << QStringList{u"order_date"_s, u"order_date"_s};
     }
     void oneToOne()
     {
@@ -404,8 +427,9 @@ private Q_SLOTS:
     {
         // Names from a small word stock, many of them alike, so that ties abound.
         std::mt19937 rng(4711);
-        const QStringList stock = u"cust customer no number order ord date dt qty quantity amount amt item itm "
-                                  u"type code name desc status line 1 2 of warehouse whs"_s.split(u' ');
+        const QStringList stock =
+            u"cust customer no number order ord date dt qty quantity amount amt item itm "
+            u"type code name desc status line 1 2 of warehouse whs"_s.split(u' ');
         const auto name = [&] {
             QStringList parts;
             for (unsigned n = rng() % 3 + 1; n > 0; --n)
@@ -422,7 +446,8 @@ private Q_SLOTS:
             QStringList out;
             for (const auto& list : engine.Suggest(targets))
                 for (const fb::SuggestedSource& c : list)
-                    out.append(u"%1 %2 %3"_s.arg(c.source).arg(c.score, 0, 'g', 17).arg(c.reasons.join(u'|')));
+                    out.append(
+                        u"%1 %2 %3"_s.arg(c.source).arg(c.score, 0, 'g', 17).arg(c.reasons.join(u'|')));
             return out;
         };
         QHashSeed::setDeterministicGlobalSeed();

@@ -5,12 +5,10 @@
 //       {"source": "srcaa001.cust_no", "score": 0.93, "reasons": ["..."]}]}]}]}
 #include "Command.h"
 #include "MappingInput.h"
-
 #include "core/document/MappingDocument.h"
 #include "core/rules/SuggestDocument.h"
 
 #include <QCommandLineParser>
-
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -101,9 +99,11 @@ int RunSuggest(const QStringList& arguments)
     const QString command = QStringLiteral("suggest");
     QCommandLineParser parser;
     const QCommandLineOption dumpOption(QStringLiteral("dump"), QString(), QStringLiteral("N"));
-    const QCommandLineOption topOption(QStringLiteral("top"), QString(), QStringLiteral("K"), QStringLiteral("3"));
+    const QCommandLineOption topOption(QStringLiteral("top"), QString(), QStringLiteral("K"),
+                                       QStringLiteral("3"));
     parser.addOptions({dumpOption, topOption});
-    if (const std::optional<int> done = ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
+    if (const std::optional<int> done =
+            ParseArguments(parser, command, arguments, QString::fromLatin1(kHelp)))
         return *done;
     bool ok = true;
     int dump = 0;
@@ -117,7 +117,9 @@ int RunSuggest(const QStringList& arguments)
     }
     const int top = parser.value(topOption).toInt(&ok);
     if (!ok || top < 1) {
-        PrintError(command, QStringLiteral("--top takes a whole number of 1 or more, not '%1'").arg(parser.value(topOption)));
+        PrintError(
+            command,
+            QStringLiteral("--top takes a whole number of 1 or more, not '%1'").arg(parser.value(topOption)));
         return Unreadable;
     }
 
@@ -128,7 +130,9 @@ int RunSuggest(const QStringList& arguments)
     options.top = top;
     const fb::DocumentSuggestions suggestions = fb::SuggestForDocument(doc, qint16(dump), options);
     if (dump != 0 && suggestions.dumps.isEmpty()) {
-        PrintError(command, QStringLiteral("%1 has no dump %2").arg(parser.positionalArguments().constFirst()).arg(dump));
+        PrintError(
+            command,
+            QStringLiteral("%1 has no dump %2").arg(parser.positionalArguments().constFirst()).arg(dump));
         return Failure;
     }
     PrintOut(suggestionsJson(suggestions));

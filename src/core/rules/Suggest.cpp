@@ -3,7 +3,6 @@
 #include "SuggestRank_p.h"
 
 #include <QSet>
-
 #include <algorithm>
 #include <vector>
 
@@ -13,10 +12,10 @@ using namespace suggest;
 
 namespace {
 
-constexpr double kAccept = 0.5;   // the score from which a candidate is meant to be taken
-constexpr double kAffinity = 0.5; // how much a well-matching source table lifts its fields
+constexpr double kAccept = 0.5;                   // the score from which a candidate is meant to be taken
+constexpr double kAffinity = 0.5;                 // how much a well-matching source table lifts its fields
 constexpr double kMaxLift = kAffinity / 4 + 1e-9; // the most a lift adds: kAffinity * s * (1 - s) at s = 0.5
-constexpr double kDemoted = 0.6;  // a source taken by a better-fitting target field
+constexpr double kDemoted = 0.6;                  // a source taken by a better-fitting target field
 
 QString joinSpan(const QList<NameWord>& words, int from, int to, QChar sep)
 {
@@ -62,12 +61,13 @@ QStringList wordReasons(const Alignment& a, const QList<NameWord>& tw, const QLi
         case Match::Initialism: {
             const bool targetShort = m.tEnd - m.t == 1;
             out.append(QStringLiteral("initialism %1 = %2")
-                           .arg(targetShort ? t : s,
-                                targetShort ? joinSpan(sw, m.s, m.sEnd, u' ') : joinSpan(tw, m.t, m.tEnd, u' ')));
+                           .arg(targetShort ? t : s, targetShort ? joinSpan(sw, m.s, m.sEnd, u' ')
+                                                                 : joinSpan(tw, m.t, m.tEnd, u' ')));
             break;
         }
         case Match::Compound:
-            out.append(QStringLiteral("compound %1 = %2").arg(m.tEnd - m.t == 1 ? t : s, m.tEnd - m.t == 1 ? s : t));
+            out.append(
+                QStringLiteral("compound %1 = %2").arg(m.tEnd - m.t == 1 ? t : s, m.tEnd - m.t == 1 ? s : t));
             break;
         default:
             break;
@@ -159,7 +159,8 @@ void assignOneToOne(std::vector<std::vector<Scored>>& pools, int sourceCount, do
             if (o >= 0 && o != k)
                 sc.demotedFor = o;
         }
-        const auto firstFree = std::find_if(pool.begin(), pool.end(), [](const Scored& sc) { return sc.demotedFor < 0; });
+        const auto firstFree =
+            std::find_if(pool.begin(), pool.end(), [](const Scored& sc) { return sc.demotedFor < 0; });
         if (firstFree == pool.end()) {
             for (Scored& sc : pool)
                 sc.score *= kDemoted;
@@ -187,10 +188,11 @@ QStringList reasonsOf(const Scored& sc, Ranker& ranker, int k, const QList<Sugge
         reasons.append(wordReasons(ranker.NameAlignment(k, sc.source), tName.words, sName.words));
     if (sc.description)
         reasons.append(QStringLiteral("description matches"));
-    if (tName.arrayIndex > 0 && (sName.arrayIndex == tName.arrayIndex ||
-                                 std::any_of(sName.words.cbegin(), sName.words.cend(), [&](const NameWord& w) {
-                                     return w.digits && w.term == QString::number(tName.arrayIndex);
-                                 })))
+    if (tName.arrayIndex > 0 &&
+        (sName.arrayIndex == tName.arrayIndex ||
+         std::any_of(sName.words.cbegin(), sName.words.cend(), [&](const NameWord& w) {
+             return w.digits && w.term == QString::number(tName.arrayIndex);
+         })))
         reasons.append(QStringLiteral("array index %1").arg(tName.arrayIndex));
     if (sc.type.verb)
         reasons.append(CompareTypes(sources[sc.source], targets[k]).reason);
@@ -236,7 +238,8 @@ QList<QList<SuggestedSource>> SuggestionEngine::Suggest(const QList<SuggestField
         if (pool.size() > keep) {
             std::nth_element(pool.begin(), pool.begin() + qsizetype(keep) - 1, pool.end(), byScore);
             const double floor = pool[keep - 1].score - kMaxLift;
-            pool.erase(std::remove_if(pool.begin(), pool.end(), [floor](const Scored& sc) { return sc.score < floor; }),
+            pool.erase(std::remove_if(pool.begin(), pool.end(),
+                                      [floor](const Scored& sc) { return sc.score < floor; }),
                        pool.end());
         }
     }

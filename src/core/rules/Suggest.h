@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <memory>
 #include <vector>
 
@@ -18,12 +17,12 @@ namespace fb {
 
 // A field as the suggestions see it.
 struct SuggestField {
-    QString table;       // the table name as listed, lower case
-    QString name;        // the shown field name, lower case: qty, qty(2)
-    QChar type;          // the one-letter type code; null when unknown
-    int length = 0;      // the length of texts, the digits of numbers; 0 when unknown
-    int decimals = 0;    // the digits after the point
-    QString description; // the field's description
+    QString table;            // the table name as listed, lower case
+    QString name;             // the shown field name, lower case: qty, qty(2)
+    QChar type;               // the one-letter type code; null when unknown
+    int length = 0;           // the length of texts, the digits of numbers; 0 when unknown
+    int decimals = 0;         // the digits after the point
+    QString description;      // the field's description
     QString tableDescription; // its table's description
     // For target fields: the share of the document's target tables that hold
     // a field of this name (a key that joins them); 0 when unknown or when
@@ -47,7 +46,7 @@ struct SuggestedSource {
 };
 
 struct SuggestOptions {
-    int top = 5;          // candidates kept per target field; 0 keeps all above minScore
+    int top = 5; // candidates kept per target field; 0 keeps all above minScore
     double minScore = 0.05;
     // A source field that is the best candidate of several target fields
     // stays first only for the one it fits best; the others fall back to

@@ -28,7 +28,8 @@ QList<SuggestField> allTargetFields(MappingDocument& doc)
 {
     QList<SuggestField> all;
     QSet<QString> seen;
-    const QStringList tables = doc.HasMscript() ? doc.MscriptTables() : QStringList{doc.TableName().trimmed()};
+    const QStringList tables =
+        doc.HasMscript() ? doc.MscriptTables() : QStringList{doc.TableName().trimmed()};
     for (const QString& t : tables) {
         const Node table = doc.GetTargetTableDefinition(t);
         if (!table || seen.contains(t.toLower()))

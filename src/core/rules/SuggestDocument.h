@@ -32,8 +32,8 @@ QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter = 0)
 struct DumpSuggestions {
     qint16 dump = 0;
     QString targetTable;
-    QList<SuggestField> targets;               // the target table's fields, in table order
-    QList<QList<SuggestedSource>> candidates;  // per target field, best first
+    QList<SuggestField> targets;              // the target table's fields, in table order
+    QList<QList<SuggestedSource>> candidates; // per target field, best first
 };
 
 struct DocumentSuggestions {

@@ -69,7 +69,9 @@ TermLink spellingLink(const QString& a, const QString& b)
 // singular one of them.
 bool numberDiffers(const QString& a, const QString& b)
 {
-    const auto plural = [](const QString& w) { return w.size() >= 4 && w.endsWith(u's') && !w.endsWith(u"ss"); };
+    const auto plural = [](const QString& w) {
+        return w.size() >= 4 && w.endsWith(u's') && !w.endsWith(u"ss");
+    };
     return plural(a) != plural(b);
 }
 
@@ -122,7 +124,6 @@ QStringList nameInitialisms(const QList<NameWord>& words)
                     }
     return out;
 }
-
 
 } // namespace suggest
 
@@ -299,7 +300,8 @@ std::vector<TermLink> SuggestionEngine::Index::similarTerms(const QString& t) co
     std::sort(out.begin(), out.end(), [](const TermLink& a, const TermLink& b) {
         return a.term != b.term ? a.term < b.term : a.sim > b.sim;
     });
-    out.erase(std::unique(out.begin(), out.end(), [](const TermLink& a, const TermLink& b) { return a.term == b.term; }),
+    out.erase(std::unique(out.begin(), out.end(),
+                          [](const TermLink& a, const TermLink& b) { return a.term == b.term; }),
               out.end());
     return out;
 }
@@ -420,8 +422,8 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
     takePairs(kFirm, 2.0);
     // One word against a run of free words on the other side: an initialism
     // (uom ~ unit of measure) or a compound (followup ~ follow up).
-    const auto spans = [&](const QList<NameWord>& one, std::vector<double>& oneGot, const QList<NameWord>& run,
-                           std::vector<double>& runGot, bool targetIsOne) {
+    const auto spans = [&](const QList<NameWord>& one, std::vector<double>& oneGot,
+                           const QList<NameWord>& run, std::vector<double>& runGot, bool targetIsOne) {
         for (int i = 0; i < int(one.size()); ++i) {
             if (oneGot[size_t(i)] > 0 || one[i].digits || one[i].stop)
                 continue;
@@ -443,7 +445,10 @@ Alignment SuggestionEngine::Index::align(const TargetWords& t, const SourceWords
                         continue;
                     // Two letters stand for many pairs of words: a weak hint.
                     const qsizetype letters = one[i].surface.size();
-                    const double sim = kind == Match::Compound ? 0.95 : letters == 2 ? 0.45 : letters == 3 ? 0.7 : 0.85;
+                    const double sim = kind == Match::Compound ? 0.95
+                                       : letters == 2          ? 0.45
+                                       : letters == 3          ? 0.7
+                                                               : 0.85;
                     oneGot[size_t(i)] = sim;
                     for (int k = j; k < j + len; ++k)
                         if (runGot[size_t(k)] == 0)

@@ -8,13 +8,11 @@
 #include <QHash>
 #include <QList>
 #include <QString>
-
 #include <vector>
 
 namespace fb {
 
 namespace suggest {
-
 
 // How two words were found to match; the reasons name it.
 enum class Match : quint8 {
@@ -45,8 +43,8 @@ struct WordMatch {
 };
 
 struct Alignment {
-    double score = 0;     // weighted harmonic mean of the two coverages
-    bool subject = false; // a word that is not a class word matched
+    double score = 0;         // weighted harmonic mean of the two coverages
+    bool subject = false;     // a word that is not a class word matched
     QList<WordMatch> matches; // only when asked for
 };
 
@@ -115,17 +113,17 @@ struct SuggestionEngine::Index {
     std::vector<int> nameOf; // per source: its entry in names
     std::vector<int> descOf; // per source: its entry in descriptions, -1 for none
 
-    std::vector<int> tableOf; // position of each source's table among the tables
+    std::vector<int> tableOf;     // position of each source's table among the tables
     std::vector<double> keyShare; // share of the source tables holding a field of the same name
     int tableCount = 0;
 
     QHash<QString, int> termIds;
     std::vector<QString> terms;
-    std::vector<std::vector<int>> namePostings; // term -> name entries, ascending
-    std::vector<std::vector<int>> descPostings; // term -> description entries
-    std::vector<int> nameDf; // term -> source fields whose name holds it
-    std::vector<int> descDf; // term -> source fields whose description holds it
-    QHash<QString, std::vector<int>> initialPostings; // initialism of a name -> name entries
+    std::vector<std::vector<int>> namePostings;        // term -> name entries, ascending
+    std::vector<std::vector<int>> descPostings;        // term -> description entries
+    std::vector<int> nameDf;                           // term -> source fields whose name holds it
+    std::vector<int> descDf;                           // term -> source fields whose description holds it
+    QHash<QString, std::vector<int>> initialPostings;  // initialism of a name -> name entries
     std::vector<std::pair<QString, int>> sortedTerms;  // for prefix ranges
     QHash<QString, std::vector<int>> trigramTerms;     // trigram -> terms
     std::vector<int> trigramCounts;                    // per term

@@ -18,8 +18,7 @@ bool isKnown(const QString& part)
 
 // The fewest known words that make up the whole part, or nothing. Words have
 // three letters or more; a two-letter word only ends the part (itemid, custno).
-template <typename Known>
-QStringList knownWords(const QString& part, const Known& known)
+template <typename Known> QStringList knownWords(const QString& part, const Known& known)
 {
     const qsizetype n = part.size();
     // best[i]: pieces for part.left(i); -1 when none.
@@ -117,7 +116,8 @@ QStringList SplitName(const QString& name)
         if (!current.isEmpty()) {
             const QChar prev = name[i - 1];
             const bool caseTurn = prev.isLower() && c.isUpper();
-            const bool capsEnd = prev.isUpper() && c.isUpper() && i + 1 < name.size() && name[i + 1].isLower();
+            const bool capsEnd =
+                prev.isUpper() && c.isUpper() && i + 1 < name.size() && name[i + 1].isLower();
             const bool digitTurn = prev.isDigit() != c.isDigit();
             if (caseTurn || capsEnd || digitTurn)
                 flush();
@@ -146,7 +146,8 @@ NameAnalyser NameAnalyser::WithVocabulary(const NameAnalyser& other)
 // The fewest words of the word list and of the schema that make up the part.
 QStringList NameAnalyser::schemaWords(const QString& part) const
 {
-    return knownWords(part, [this](const QString& piece) { return isKnown(piece) || m_vocabulary.contains(piece); });
+    return knownWords(
+        part, [this](const QString& piece) { return isKnown(piece) || m_vocabulary.contains(piece); });
 }
 
 QStringList NameAnalyser::SplitCompound(const QString& part)
@@ -174,7 +175,8 @@ QStringList NameAnalyser::SplitCompound(const QString& part)
         // A prefix before a word: a subtotal is a kind of total, a subtype a
         // kind of type. Only prefixes that rarely begin a plain word (not
         // pre, re, co: present, record, cover).
-        for (const char16_t* prefix : {u"sub", u"non", u"multi", u"semi", u"inter", u"intra", u"super", u"post"}) {
+        for (const char16_t* prefix :
+             {u"sub", u"non", u"multi", u"semi", u"inter", u"intra", u"super", u"post"}) {
             const QStringView p(prefix);
             const QString rest = part.mid(p.size());
             if (part.startsWith(p) && rest.size() >= 4 && (isKnown(rest) || m_vocabulary.contains(rest))) {

@@ -7,7 +7,6 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
-
 #include <deque>
 
 // Field names and descriptions taken apart into the words that the

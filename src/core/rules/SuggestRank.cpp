@@ -1,18 +1,17 @@
 #include "SuggestRank_p.h"
 
 #include <QSet>
-
 #include <algorithm>
 
 namespace fb::suggest {
 
 namespace {
 
-constexpr int kNamePool = 40;         // distinct source names aligned per target field
-constexpr int kDescriptionPool = 30;  // distinct source descriptions aligned per target field
-constexpr int kPerDescription = 40;   // fields taken from one description found by the description alone
-constexpr double kClassOnly = 0.5;    // names that share only class words (id, value, date...)
-constexpr double kKeyShare = 0.5;     // a join key is held by at least this share of the tables
+constexpr int kNamePool = 40;             // distinct source names aligned per target field
+constexpr int kDescriptionPool = 30;      // distinct source descriptions aligned per target field
+constexpr int kPerDescription = 40;       // fields taken from one description found by the description alone
+constexpr double kClassOnly = 0.5;        // names that share only class words (id, value, date...)
+constexpr double kKeyShare = 0.5;         // a join key is held by at least this share of the tables
 constexpr double kDescriptionOnly = 0.85; // a name against a description
 constexpr double kDescriptions = 0.9;     // a description against a description
 constexpr double kDescriptionHit = 0.8;   // how much a description word counts when gathering
@@ -80,7 +79,8 @@ Ranker::Ranker(const SuggestionEngine::Index& index, const QList<SuggestField>& 
         for (size_t i = 0; i < w.terms.size(); ++i) {
             const QString& term = words[qsizetype(i)].term;
             const int id = w.terms[i];
-            const double sourceDf = id < 0 ? 0.0 : double(description ? m_x.descDf[size_t(id)] : m_x.nameDf[size_t(id)]);
+            const double sourceDf =
+                id < 0 ? 0.0 : double(description ? m_x.descDf[size_t(id)] : m_x.nameDf[size_t(id)]);
             const double targetDf = (description ? dfDesc : dfName).value(term);
             w.weights.push_back(words[qsizetype(i)].factor * idf(n, sourceDf + targetDf));
         }
@@ -145,7 +145,8 @@ void Ranker::gather(int k)
             }
         }
     }
-    const double strongest = tn.weights.empty() ? 1.0 : *std::max_element(tn.weights.cbegin(), tn.weights.cend());
+    const double strongest =
+        tn.weights.empty() ? 1.0 : *std::max_element(tn.weights.cbegin(), tn.weights.cend());
     const QList<NameWord>& words = m_names[size_t(k)]->words;
     for (const QString& ini : nameInitialisms(words))
         if (const int id = m_x.termIds.value(ini, -1); id >= 0)
@@ -188,8 +189,9 @@ std::vector<Scored> Ranker::Candidates(int k)
     return out;
 }
 
-double Ranker::alignCached(std::vector<Cached>& cache, const TargetWords& t, const SuggestionEngine::Index::Entry& e,
-                           int entry, const std::vector<double>& weights, int k, bool* subject)
+double Ranker::alignCached(std::vector<Cached>& cache, const TargetWords& t,
+                           const SuggestionEngine::Index::Entry& e, int entry,
+                           const std::vector<double>& weights, int k, bool* subject)
 {
     Cached& c = cache[size_t(entry)];
     if (c.stamp != k) {
@@ -213,7 +215,8 @@ Scored Ranker::score(int k, int s)
     bool subject = false;
     const double nameScore = alignCached(m_nameAlign, tn, name, e, m_nameWeights, k, &subject);
     // The same name aligns fully; only then are the names compared.
-    sc.sameName = nameScore > 0.999 && name.name->arrayIndex == tName.arrayIndex && name.name->base == tName.base;
+    sc.sameName =
+        nameScore > 0.999 && name.name->arrayIndex == tName.arrayIndex && name.name->base == tName.base;
     double ev = sc.sameName ? 1.0 : nameScore;
     if (!sc.sameName && !subject)
         ev *= kClassOnly;
@@ -237,7 +240,8 @@ Scored Ranker::score(int k, int s)
             const SuggestionEngine::Index::Entry& desc = m_x.descriptions[size_t(d)];
             if (targetDesc)
                 de = kDescriptions * alignCached(m_descByDesc, td, desc, d, m_descriptionWeights, k);
-            de = std::max(de, kDescriptionOnly * alignCached(m_descByName, tn, desc, d, m_descriptionWeights, k));
+            de = std::max(de,
+                          kDescriptionOnly * alignCached(m_descByName, tn, desc, d, m_descriptionWeights, k));
         }
         if (targetDesc)
             de = std::max(de, kDescriptionOnly * alignCached(m_nameByDesc, td, name, e, m_nameWeights, k));

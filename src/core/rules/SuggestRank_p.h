@@ -47,8 +47,9 @@ private:
         double score = 0;
         bool subject = false;
     };
-    double alignCached(std::vector<Cached>& cache, const TargetWords& t, const SuggestionEngine::Index::Entry& e,
-                       int entry, const std::vector<double>& weights, int k, bool* subject = nullptr);
+    double alignCached(std::vector<Cached>& cache, const TargetWords& t,
+                       const SuggestionEngine::Index::Entry& e, int entry, const std::vector<double>& weights,
+                       int k, bool* subject = nullptr);
 
     const SuggestionEngine::Index& m_x;
     const QList<SuggestField>& m_targets;

@@ -1,14 +1,11 @@
 // Types and fields as the suggestions compare them.
 #include "Suggest.h"
-
 #include "SuggestIndex_p.h"
-
 #include "core/dictionary/FieldRules.h"
 #include "core/document/FieldNames.h"
 
 #include <QHash>
 #include <QSet>
-
 #include <algorithm>
 
 namespace fb {
@@ -90,15 +87,28 @@ TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const Sugges
     enum Kind { Unknown, Whole, Real, Str, Enum, Set, Date, Utc, Text };
     const auto kindOf = [](QChar t) {
         switch (t.unicode()) {
-        case u'B': case u'I': case u'L': return Whole;
-        case u'F': case u'D': return Real;
-        case u'S': case u'M': return Str;
-        case u'E': return Enum;
-        case u'P': return Set;
-        case u'T': return Date;
-        case u'K': return Utc;
-        case u'U': return Text;
-        default: return Unknown;
+        case u'B':
+        case u'I':
+        case u'L':
+            return Whole;
+        case u'F':
+        case u'D':
+            return Real;
+        case u'S':
+        case u'M':
+            return Str;
+        case u'E':
+            return Enum;
+        case u'P':
+            return Set;
+        case u'T':
+            return Date;
+        case u'K':
+            return Utc;
+        case u'U':
+            return Text;
+        default:
+            return Unknown;
         }
     };
     const Kind s = kindOf(source.type);
@@ -118,7 +128,7 @@ TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const Sugges
     if (s == t) {
         if (s == Whole || s == Real) {
             const bool wider = source.length > 0 && target.length > 0 ? source.length > target.length
-                                                                     : rank(source.type) > rank(target.type);
+                                                                      : rank(source.type) > rank(target.type);
             return wider ? fit(0.96, "is wider than") : fit(1.0, "fits");
         }
         if (source.length > 0 && target.length > 0 && source.length > target.length)
@@ -149,8 +159,8 @@ TypeFit CompareTypes(const SuggestField& source, const SuggestField& target)
     const TypeVerdict v = CompareTypeLetters(source, target);
     if (!v.verb)
         return {};
-    return {v.factor, QStringLiteral("type %1 %2 %3")
-                          .arg(typeText(source), QLatin1String(v.verb), typeText(target))};
+    return {v.factor,
+            QStringLiteral("type %1 %2 %3").arg(typeText(source), QLatin1String(v.verb), typeText(target))};
 }
 
 } // namespace fb

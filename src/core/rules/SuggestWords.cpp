@@ -253,8 +253,8 @@ const char* const kRelated[] = {
 const char* const kStopWords = "a an the of and or in on at by for with is are was this that be any its";
 // Words that say little alone.
 const char* const kWeakWords = "to from per into out up as if other all some non not "
-                                // units that qualify a measure: height_cm is a height
-                                "cm mm km kg mg ml lb lbs oz usd eur";
+                               // units that qualify a measure: height_cm is a height
+                               "cm mm km kg mg ml lb lbs oz usd eur";
 
 // A general word list: words often found in business data names that must
 // never be taken for abbreviations of longer words (age is not short for
@@ -271,8 +271,9 @@ const char* const kGeneralWords =
     "use view zone share sum proportion count group order ";
 
 // The words that name the kind of a field's value.
-const char* const kClassWords = "identifier number code key name description text date time datetime value amount "
-                                "quantity count type status flag percent rate total sequence";
+const char* const kClassWords =
+    "identifier number code key name description text date time datetime value amount "
+    "quantity count type status flag percent rate total sequence";
 const char* const kKeyWords = "identifier number code key";
 
 // Words that end compound names written as one word (chargetime, itemtype):
@@ -310,8 +311,8 @@ QString WordRoot(const QString& stem)
     if (stem.size() < 5 || !stem[0].isLetter())
         return {};
     QString w = stem;
-    static const char16_t* const endings[] = {u"ication", u"ation", u"ition", u"ion", u"ment", u"ance", u"ence",
-                                              u"ity", u"ive", u"al", u"i", u"y"};
+    static const char16_t* const endings[] = {u"ication", u"ation", u"ition", u"ion", u"ment", u"ance",
+                                              u"ence",    u"ity",   u"ive",   u"al",  u"i",    u"y"};
     bool stripped = false;
     for (const char16_t* e : endings) {
         const QStringView ending(e);

@@ -3,7 +3,6 @@
 // written into the grid as Ma&p would write it.
 
 #include "DumpChange_p.h"
-
 #include "core/rules/RuleGuess.h"
 #include "core/rules/SuggestDocument.h"
 
