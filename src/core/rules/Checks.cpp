@@ -29,11 +29,17 @@ qsizetype wordEnd(const QString& text, qsizetype i)
 // index, and where the text after it starts.
 std::optional<std::pair<QString, qsizetype>> arrayIndex(const QString& text, qsizetype i)
 {
-    static const QRegularExpression index(QStringLiteral("\\G\\((?:1,)?(\\d+)\\)"));
-    const QRegularExpressionMatch m = index.match(text, i);
-    if (!m.hasMatch())
+    if (i >= text.size() || text[i] != u'(')
         return std::nullopt;
-    return std::make_pair(m.captured(1), m.capturedEnd());
+    qsizetype at = i + 1;
+    if (at + 1 < text.size() && text[at] == u'1' && text[at + 1] == u',')
+        at += 2;
+    const qsizetype digits = at;
+    while (at < text.size() && text[at].isDigit() && text[at].unicode() < 128)
+        ++at;
+    if (at == digits || at >= text.size() || text[at] != u')')
+        return std::nullopt;
+    return std::make_pair(text.mid(digits, at - digits), at + 1);
 }
 
 enum class Family { Integer, Fraction, String, Text, Date, Other };
@@ -192,7 +198,7 @@ QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, con
             continue;
         }
         const QList<FieldReference> refs = FieldReferences(rule);
-        const bool direct = passesFieldsOn(rule, refs);
+        std::optional<bool> direct; // worked out only where a type could lose data
         for (const FieldReference& ref : refs) {
             const QString named = ref.table + u'.' + ref.field;
             if (!sources.isListed(ref.table)) {
@@ -209,8 +215,10 @@ QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, con
                                            QStringLiteral(" has no field ") + ref.field));
                 continue;
             }
-            const QString loss = direct ? lossOf(*source, target.definition) : QString();
-            if (!loss.isEmpty())
+            const QString loss = lossOf(*source, target.definition);
+            if (!loss.isEmpty() && !direct)
+                direct = passesFieldsOn(rule, refs);
+            if (!loss.isEmpty() && *direct)
                 out.append(problem(Severity::Warning, ProblemKind::TypeLoss, dump, target.name, row,
                                    named + QStringLiteral(": ") + loss + QStringLiteral(" may lose data")));
         }
@@ -218,14 +226,19 @@ QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, con
     return out;
 }
 
-QList<Problem> CheckStoredDump(MappingDocument& doc, qint16 dump, const SourceCatalogue& sources)
+QList<QString> StoredRulesByRow(MappingDocument& doc, qint16 dump, qsizetype rows)
 {
-    const QList<TargetField> fields = TargetFieldsOf(doc.GetTargetTableNode(dump));
-    QList<QString> byRow(fields.size());
+    QList<QString> byRow(rows);
     for (const GridRule& rule : RulesOfDump(doc, dump))
         if (rule.row >= 0 && rule.row < byRow.size())
             byRow[rule.row] = rule.text;
-    return CheckDumpRules(dump, fields, byRow, sources);
+    return byRow;
+}
+
+QList<Problem> CheckStoredDump(MappingDocument& doc, qint16 dump, const SourceCatalogue& sources)
+{
+    const QList<TargetField> fields = TargetFieldsOf(doc.GetTargetTableNode(dump));
+    return CheckDumpRules(dump, fields, StoredRulesByRow(doc, dump, fields.size()), sources);
 }
 
 namespace {

@@ -68,6 +68,8 @@ private:
 // order: per row the rule's own problems, then the mandatory mark.
 QList<Problem> CheckDumpRules(qint16 dump, const QList<TargetField>& fields, const QList<QString>& rulesByRow,
                               const SourceCatalogue& sources);
+// A dump's stored rules laid out by grid row, for a table of that many fields.
+QList<QString> StoredRulesByRow(MappingDocument& doc, qint16 dump, qsizetype rows);
 // The same for a dump as the document stores it.
 QList<Problem> CheckStoredDump(MappingDocument& doc, qint16 dump, const SourceCatalogue& sources);
 // Dumps holding rules that no script references, and queries holding text

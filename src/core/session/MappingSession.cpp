@@ -99,6 +99,7 @@ void MappingSession::setMappingObjectXML(const QString& text)
     m_checkQueue.clear();
     m_checkedDumps.clear();
     m_dumpProblems.clear();
+    m_targetFieldsCache.clear();
     m_sectionProblems.clear();
     publishProblems();
 }
@@ -138,7 +139,7 @@ void MappingSession::setSourceTables(const QString& tables)
 {
     m_doc.SetSourceTablesText(tables);
     RefreshSourceTableList();
-    scheduleChecks(true);
+    scheduleChecks(CheckScope::Everything);
 }
 
 QString MappingSession::SourceTables()
@@ -190,7 +191,7 @@ void MappingSession::ShowControl()
     Q_EMIT multiTargetChanged();
     if (m_multiTarget)
         FillTargetTableSelector();
-    scheduleChecks(true);
+    scheduleChecks(CheckScope::Everything);
 }
 
 void MappingSession::EnableEditing()
@@ -265,7 +266,7 @@ void MappingSession::TabChanged(int tab)
         setDumpIndex(keep >= 0 ? keep : 0);
         ShowDump(m_dumpNumbers[m_dumpIndex]);
     }
-    scheduleChecks(true);
+    scheduleChecks(CheckScope::Sections);
 }
 
 // ---- focus and keys ----------------------------------------------------------

@@ -352,8 +352,13 @@ private:
     // the workbench
     void setUpWorkbench();
     void rulesChanged();
-    void scheduleChecks(bool everything);
+    // What has to be checked again: the scripts' sections (and so which
+    // dumps are checked at all), every dump, or one dump.
+    enum class CheckScope { Sections, Everything };
+    void scheduleChecks(CheckScope scope);
+    void scheduleDumpCheck(qint16 number, int delayMs = 0);
     void checkSome();
+    const QList<TargetField>& targetFieldsOf(qint16 dump);
     void publishProblems();
     const SourceCatalogue& sourceCatalogue();
 
@@ -427,6 +432,8 @@ private:
     QList<qint16> m_checkQueue; // dumps still to check
     QList<qint16> m_checkedDumps;
     bool m_checkSections = false;
+    bool m_checkEverything = false;
+    QHash<QString, QList<TargetField>> m_targetFieldsCache; // by table element; a document's tables stay
     QTimer m_checkTimer;
     std::optional<SourceCatalogue> m_catalogue;
     QString m_catalogueOf; // the SRCTBL text it was built from

@@ -125,7 +125,9 @@ void MappingSession::apply(const Step& step, bool forward)
     }
     }
     m_restoring = false;
-    scheduleChecks(true);
+    scheduleChecks(CheckScope::Sections);
+    if (step.kind == Step::Kind::Dump)
+        scheduleDumpCheck(step.dumpBefore.number);
 }
 
 void MappingSession::applyDumpState(const DumpState& state)

@@ -12,8 +12,10 @@
 namespace fb {
 
 namespace {
-// How long one round of checking may take before the user's next event.
-constexpr qint64 kCheckSliceMs = 8;
+// How long one round of checking may take, and the pause before the next,
+// in which the user's events come first.
+constexpr qint64 kCheckSliceMs = 4;
+constexpr int kCheckPauseMs = 15;
 // Typing in the grid waits this long before its dump is checked again.
 constexpr int kRecheckDelayMs = 250;
 } // namespace
@@ -40,13 +42,8 @@ void MappingSession::rulesChanged()
     m_targetFields.marksChanged();
     Q_EMIT coverageChanged();
     // The dump being edited is checked again once the typing pauses.
-    if (const qint16 number = str::ToInteger(m_tag).value_or(0);
-        number > 0 && m_checkedDumps.contains(number)) {
-        if (!m_checkQueue.contains(number))
-            m_checkQueue.prepend(number);
-        if (!m_checkTimer.isActive())
-            m_checkTimer.start(kRecheckDelayMs);
-    }
+    if (const qint16 number = str::ToInteger(m_tag).value_or(0); number > 0 && m_checkedDumps.contains(number))
+        scheduleDumpCheck(number, kRecheckDelayMs);
 }
 
 // ---- narrowing the lists ----------------------------------------------------------
@@ -112,13 +109,32 @@ const SourceCatalogue& MappingSession::sourceCatalogue()
     return *m_catalogue;
 }
 
-void MappingSession::scheduleChecks(bool everything)
+const QList<TargetField>& MappingSession::targetFieldsOf(qint16 dump)
+{
+    const Node table = m_doc.GetTargetTableNode(dump);
+    const QString name = table.name();
+    auto it = m_targetFieldsCache.find(name);
+    if (it == m_targetFieldsCache.end())
+        it = m_targetFieldsCache.insert(name, TargetFieldsOf(table));
+    return *it;
+}
+
+void MappingSession::scheduleChecks(CheckScope scope)
 {
     // The work itself waits for the event loop: loading and switching tabs
     // do not wait for it.
-    m_checkSections = m_checkSections || everything;
+    m_checkSections = true;
+    m_checkEverything = m_checkEverything || scope == CheckScope::Everything;
     if (!m_checkTimer.isActive())
         m_checkTimer.start(0);
+}
+
+void MappingSession::scheduleDumpCheck(qint16 number, int delayMs)
+{
+    if (!m_checkQueue.contains(number))
+        m_checkQueue.prepend(number);
+    if (!m_checkTimer.isActive())
+        m_checkTimer.start(delayMs);
 }
 
 void MappingSession::checkSome()
@@ -126,25 +142,36 @@ void MappingSession::checkSome()
     QElapsedTimer clock;
     clock.start();
     if (m_checkSections) {
+        // The scripts decide which dumps are checked: new ones are queued,
+        // those no longer referenced leave the list; after a load or a new
+        // list of source tables, every one is checked again.
         m_checkedDumps = CheckedDumps(m_doc);
-        m_checkQueue = m_checkedDumps;
-        // Dumps no longer checked leave the list.
+        if (m_checkEverything) {
+            m_dumpProblems.clear();
+            m_targetFieldsCache.clear();
+            m_checkQueue.clear();
+        }
         for (auto it = m_dumpProblems.begin(); it != m_dumpProblems.end();)
             it = m_checkedDumps.contains(it.key()) ? std::next(it) : m_dumpProblems.erase(it);
+        for (const qint16 number : m_checkedDumps)
+            if (!m_dumpProblems.contains(number) && !m_checkQueue.contains(number))
+                m_checkQueue.append(number);
         m_sectionProblems = CheckSections(m_doc);
-        m_checkSections = false;
+        m_checkSections = m_checkEverything = false;
     }
     const qint16 shown = str::ToInteger(m_tag).value_or(0);
     while (!m_checkQueue.isEmpty() && clock.elapsed() < kCheckSliceMs) {
         const qint16 number = m_checkQueue.takeFirst();
-        if (number == shown && m_rules.rowCount() > 0)
-            m_dumpProblems[number] = CheckDumpRules(number, TargetFieldsOf(m_doc.GetTargetTableNode(number)),
-                                                    m_rules.rules(), sourceCatalogue());
-        else
-            m_dumpProblems[number] = CheckStoredDump(m_doc, number, sourceCatalogue());
+        if (!m_checkedDumps.contains(number))
+            continue;
+        const QList<TargetField>& fields = targetFieldsOf(number);
+        const bool inGrid = number == shown && m_rules.rowCount() > 0;
+        m_dumpProblems[number] = CheckDumpRules(
+            number, fields, inGrid ? m_rules.rules() : StoredRulesByRow(m_doc, number, fields.size()),
+            sourceCatalogue());
     }
     if (!m_checkQueue.isEmpty())
-        m_checkTimer.start(0);
+        m_checkTimer.start(kCheckPauseMs);
     else
         publishProblems();
 }
@@ -159,8 +186,11 @@ void MappingSession::publishProblems()
 
 QList<Problem> MappingSession::CheckMapping()
 {
-    if (m_checkedDumps.isEmpty() && m_checkQueue.isEmpty())
-        m_checkSections = true;
+    // The scripts may have changed since the last look: which dumps are
+    // checked is worked out again; the dumps already checked stand.
+    m_checkSections = true;
+    if (m_checkedDumps.isEmpty() && m_dumpProblems.isEmpty())
+        m_checkEverything = true;
     while (!m_checkQueue.isEmpty() || m_checkSections)
         checkSome();
     m_checkTimer.stop();
