@@ -91,6 +91,21 @@ void RulesModel::setText(int row, int column, const QString& text)
     Q_EMIT dataChanged(index(row, 0), index(row, column));
 }
 
+void RulesModel::setRuleTexts(const QList<std::pair<int, QString>>& texts)
+{
+    int first = int(m_rules.size());
+    int last = -1;
+    for (const auto& [row, text] : texts) {
+        if (row < 0 || row >= m_rules.size())
+            continue;
+        m_rules[row] = CrLfText(text);
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (last >= 0)
+        Q_EMIT dataChanged(index(first, 0), index(last, 1));
+}
+
 void RulesModel::clearRules()
 {
     if (m_rules.isEmpty())

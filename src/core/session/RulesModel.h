@@ -4,6 +4,8 @@
 #include <QHash>
 #include <QList>
 
+#include <utility>
+
 namespace fb {
 
 // The rules grid: one row per field of the dump's target table; column 0 the
@@ -28,6 +30,8 @@ public:
     const QList<QString>& rules() const { return m_rules; }
     // Every rule cell at once, as rules() gave them.
     void setRules(const QList<QString>& rules);
+    // Several rule cells at once (row, text), told to the views as one change.
+    void setRuleTexts(const QList<std::pair<int, QString>>& texts);
     // The first row of the field, or -1.
     int rowOf(const QString& fieldName) const { return m_rowOf.value(fieldName, -1); }
     bool hasRule(int row) const;

@@ -269,8 +269,16 @@ void MappingSession::clickCmdGuess()
     targets.reserve(m_targetFields.rowCount());
     for (int r = 0; r < m_targetFields.rowCount(); ++r)
         targets.append({m_targetFields.cellText(r, 3), m_targetFields.cellText(r, 4)});
+    // Each rule goes where SetRuleInGrid puts it (the first row of the
+    // field), all of them in one change of the grid.
+    QHash<QString, int> rowOfField;
+    for (int r = m_rules.rowCount() - 1; r >= 0; --r)
+        rowOfField.insert(FieldPartOf(m_rules.text(r, 0)), r);
+    QList<std::pair<int, QString>> texts;
     for (const GuessedRule& g : GuessRules(sources, targets))
-        SetRuleInGrid(g.fieldName, g.rule);
+        if (const auto row = rowOfField.constFind(g.fieldName); row != rowOfField.cend())
+            texts.append({*row, g.rule});
+    m_rules.setRuleTexts(texts);
     StoreDumpRules(m_tag);
 }
 

@@ -42,12 +42,14 @@ void MappingSession::clickCmdSuggest()
         sourceTypes.insert(f.name, f.type);
     const QList<FieldRow> targets = FieldRowsOf(m_doc.GetTargetTableNode(number));
     const DumpChange change(*this, DumpAction::Suggest);
+    QList<std::pair<int, QString>> texts;
     for (const AcceptedSuggestion& a : taken) {
         if (a.row < 0 || a.row >= m_rules.rowCount() || !sourceTypes.contains(a.source))
             continue;
         const QString targetType = a.row < targets.size() ? targets[a.row].type : QString();
-        m_rules.setText(a.row, 1, BuildMappedRule({{a.source, sourceTypes.value(a.source)}}, targetType));
+        texts.append({a.row, BuildMappedRule({{a.source, sourceTypes.value(a.source)}}, targetType)});
     }
+    m_rules.setRuleTexts(texts);
 }
 
 } // namespace fb
