@@ -9,7 +9,7 @@ PREFIX  ?= $(CURDIR)/build/install
 export QT_QPA_PLATFORM ?= offscreen
 export XDG_RUNTIME_DIR ?= $(CURDIR)/build/xdg-runtime
 
-.PHONY: test demo deps configure build test-asan bench fuzz clean
+.PHONY: test demo deps configure build test-asan bench fuzz format-check clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -64,6 +64,10 @@ bench: deps | $(XDG_RUNTIME_DIR)
 # reproducer in build/fuzz-artifacts.
 FUZZ_SECONDS ?= 300
 export FUZZ_SECONDS
+
+# Every source file in the project's one format (.clang-format).
+format-check: deps
+	git ls-files '*.cpp' '*.h' | xargs clang-format-14 --dry-run --Werror
 
 fuzz: deps | $(XDG_RUNTIME_DIR)
 	@chmod 0700 $(XDG_RUNTIME_DIR)

@@ -3,7 +3,6 @@
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QList>
-
 #include <utility>
 
 namespace fb {

@@ -42,7 +42,8 @@ void MappingSession::rulesChanged()
     m_targetFields.marksChanged();
     Q_EMIT coverageChanged();
     // The dump being edited is checked again once the typing pauses.
-    if (const qint16 number = str::ToInteger(m_tag).value_or(0); number > 0 && m_checkedDumps.contains(number))
+    if (const qint16 number = str::ToInteger(m_tag).value_or(0);
+        number > 0 && m_checkedDumps.contains(number))
         scheduleDumpCheck(number, kRecheckDelayMs);
 }
 
