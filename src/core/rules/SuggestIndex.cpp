@@ -199,9 +199,9 @@ void SuggestionEngine::Index::build()
             descOf.push_back(-1);
             continue;
         }
-        const int d = entryOf(descriptions, descEntries, desc, term);
-        descriptions[size_t(d)].sources.push_back(i);
-        descOf.push_back(d);
+        const int de = entryOf(descriptions, descEntries, desc, term);
+        descriptions[size_t(de)].sources.push_back(i);
+        descOf.push_back(de);
     }
     post(names, namePostings, nameDf);
     post(descriptions, descPostings, descDf);
