@@ -316,7 +316,7 @@ private Q_SLOTS:
         QXmlStreamReader xml(render(hostileDocument(rule), u"html"_s));
         static const QStringList allowed = u"html head meta title style body header p h1 h2 h3 dl dt dd div "
                                            u"section table colgroup col thead "
-                                           u"tbody tr th td a ul li b span footer"_s.split(u' ');
+                                           u"tbody tr th td a ul li b span footer wbr"_s.split(u' ');
         static const QRegularExpression width(u"^width:\\d+%$"_s);
         while (!xml.atEnd()) {
             xml.readNext();

@@ -44,6 +44,13 @@ QString esc(const QString& text)
     return out;
 }
 
+// A qualified field name may wrap after its table's dot rather than inside a
+// word of a narrow column.
+QString escName(const QString& name)
+{
+    return esc(name).replace(u'.', QStringLiteral(".<wbr/>"));
+}
+
 // Kept free of "<" and "&", so that the document stays well-formed XML.
 const char* const kStyle = R"(
 :root { --ink: #1d2433; --muted: #5f6b7a; --line: #d9dee5; --soft: #f4f6f9; --accent: #2456c9;
@@ -191,7 +198,7 @@ void fieldRow(QString& out, const ReportField& f)
 {
     out += f.rule.isEmpty() && f.mandatory ? QStringLiteral("<tr class=\"open\">") : QStringLiteral("<tr>");
     out += QStringLiteral("<td class=\"num\">") + esc(f.number) +
-           QStringLiteral("</td><td><div class=\"name\">") + esc(f.name) + QStringLiteral("</div>");
+           QStringLiteral("</td><td><div class=\"name\">") + escName(f.name) + QStringLiteral("</div>");
     if (!f.description.isEmpty())
         out += QStringLiteral("<div class=\"desc\">") + esc(f.description) + QStringLiteral("</div>");
     out += QStringLiteral("</td><td>") + esc(f.type) + QStringLiteral("</td><td class=\"num\">") +
@@ -202,7 +209,7 @@ void fieldRow(QString& out, const ReportField& f)
     if (!f.sources.isEmpty()) {
         out += QStringLiteral("<ul class=\"list\">");
         for (const QString& s : f.sources)
-            out += QStringLiteral("<li>") + esc(s) + QStringLiteral("</li>");
+            out += QStringLiteral("<li>") + escName(s) + QStringLiteral("</li>");
         out += QStringLiteral("</ul>");
     }
     out += QStringLiteral("</td><td class=\"doc\">");
