@@ -3,35 +3,17 @@
 #include "core/dictionary/FieldRules.h"
 #include "core/document/MappingDocument.h"
 
-#include <QXmlStreamReader>
-
 namespace MappingFile {
-
-namespace {
-
-// Where the text stops being well-formed, for the message that refuses it:
-// the document only tells that it refused the text.
-QString whereMalformed(const QString& xml)
-{
-    QXmlStreamReader reader(xml);
-    while (!reader.atEnd())
-        reader.readNext();
-    if (!reader.hasError())
-        return QStringLiteral("The control does not take it as a mapping object.");
-    return QStringLiteral("%1 (line %2, column %3)")
-        .arg(reader.errorString())
-        .arg(reader.lineNumber())
-        .arg(reader.columnNumber());
-}
-
-} // namespace
 
 bool readCatalogue(const QString& xml, Catalogue* catalogue, QString* error)
 {
     fb::MappingDocument document;
     if (!document.LoadXml(xml)) {
-        if (error)
-            *error = whereMalformed(xml);
+        if (error) {
+            *error = fb::DescribeMalformedXml(xml);
+            if (error->isNull())
+                *error = QStringLiteral("The control does not take it as a mapping object.");
+        }
         return false;
     }
     Catalogue result;

@@ -68,6 +68,8 @@ private Q_SLOTS:
         write(u"mapping.xml"_s, kMapping);
         write(u"broken.xml"_s, "<abcde001><SRCTBL>srcaa001</abcde001>");
         write(u"short.xml"_s, "<abc><SRCTBL/></abc>");
+        write(u"deep.xml"_s, "<abcde001>" + QByteArray("<a>").repeated(1200) +
+                                 QByteArray("</a>").repeated(1200) + "</abcde001>");
         QByteArray errors = kMapping;
         errors.replace("<DUMP No=\"1\" TT=\"tarxx001\"/>",
                        "<PREC>dump 1 x</PREC><DUMP No=\"1\" TT=\"tarxx001\"><NAME No=\"3\">srcxx001.a &amp; "
@@ -80,7 +82,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("args");
         QTest::addColumn<int>("exitCode");
-        QTest::addColumn<QString>("stdoutHas"); // for success: a piece of the output
+        QTest::addColumn<QString>("says"); // a piece of the output, or of the error line
         QTest::newRow("overview") << u"--help"_s << 0 << u"suggest"_s;
         QTest::newRow("help of a command") << u"suggest --help"_s << 0 << u"Usage: fieldbridge suggest"_s;
         QTest::newRow("help COMMAND") << u"help suggest"_s << 0 << u"Usage: fieldbridge suggest"_s;
@@ -94,8 +96,9 @@ private Q_SLOTS:
         QTest::newRow("dump that is no number") << u"suggest @/mapping.xml --dump x"_s << 2 << QString();
         QTest::newRow("missing file") << u"suggest @/missing.xml"_s << 2 << QString();
         QTest::newRow("a folder") << u"suggest @"_s << 2 << QString();
-        QTest::newRow("not well-formed") << u"suggest @/broken.xml"_s << 2 << QString();
-        QTest::newRow("root is no table name") << u"suggest @/short.xml"_s << 2 << QString();
+        QTest::newRow("not well-formed") << u"suggest @/broken.xml"_s << 2 << u"line 1, column"_s;
+        QTest::newRow("nested too deep") << u"check @/deep.xml"_s << 2 << u"nested deeper than 1000"_s;
+        QTest::newRow("root is no table name") << u"suggest @/short.xml"_s << 2 << u"<abc>"_s;
         QTest::newRow("no such dump") << u"suggest @/mapping.xml --dump 9"_s << 1 << QString();
         QTest::newRow("check, nothing wrong") << u"check @/mapping.xml"_s << 0 << QString();
         QTest::newRow("check, unknown format") << u"check @/mapping.xml --format xml"_s << 2 << QString();
@@ -126,7 +129,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, args);
         QFETCH(int, exitCode);
-        QFETCH(QString, stdoutHas);
+        QFETCH(QString, says);
         QStringList list = args.split(u' ', Qt::SkipEmptyParts);
         for (QString& a : list)
             a.replace(u'@', m_dir.path());
@@ -134,11 +137,12 @@ private Q_SLOTS:
         QCOMPARE(r.exitCode, exitCode);
         if (exitCode == 0) {
             QVERIFY(r.err.isEmpty());
-            QVERIFY2(QString::fromUtf8(r.out).contains(stdoutHas), r.out.constData());
+            QVERIFY2(QString::fromUtf8(r.out).contains(says), r.out.constData());
         } else {
             // One clear line, naming the tool; nothing on stdout.
             QVERIFY(r.out.isEmpty());
-            QVERIFY2(r.err.startsWith("fieldbridge") && r.err.endsWith('\n') && r.err.count('\n') == 1,
+            QVERIFY2(r.err.startsWith("fieldbridge") && r.err.endsWith('\n') && r.err.count('\n') == 1 &&
+                         QString::fromUtf8(r.err).contains(says),
                      r.err.constData());
         }
     }

@@ -6,28 +6,8 @@
 #include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
-#include <QXmlStreamReader>
 
 namespace fbtool {
-
-namespace {
-
-// Where the text stops being well-formed: the document only tells that it
-// refused the text.
-QString whereMalformed(const QString& xml)
-{
-    QXmlStreamReader reader(xml);
-    while (!reader.atEnd())
-        reader.readNext();
-    if (!reader.hasError())
-        return QStringLiteral("not a mapping object (one root element and nothing but markup around it)");
-    return QStringLiteral("not well-formed XML: %1 (line %2, column %3)")
-        .arg(reader.errorString())
-        .arg(reader.lineNumber())
-        .arg(reader.columnNumber());
-}
-
-} // namespace
 
 bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* error)
 {
@@ -44,8 +24,13 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
     const QString text = QString::fromUtf8(file.readAll());
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());
-    if (!doc.LoadXml(text))
-        return fail(whereMalformed(text));
+    if (!doc.LoadXml(text)) {
+        const QString why = fb::DescribeMalformedXml(text);
+        return fail(why.isNull()
+                        ? QStringLiteral("not a mapping object (one root element and nothing but markup "
+                                         "around it)")
+                        : QStringLiteral("not well-formed XML: ") + why);
+    }
     const QString root = doc.DocumentElement().name();
     if (root.size() != 8)
         return fail(

@@ -246,4 +246,10 @@ private:
 // True when the text is a well-formed XML element name.
 bool IsXmlName(const QString& name);
 
+// Why LoadXml refuses a text, for a message a person can act on: the first
+// fault of the XML with its line and column, or elements nested too deep. A
+// null text when the XML itself is fine (then it is not one root element with
+// nothing but markup around it).
+QString DescribeMalformedXml(const QString& text);
+
 } // namespace fb

@@ -2,6 +2,7 @@
 #include "MappingDocument_p.h"
 
 #include <QVarLengthArray>
+#include <QXmlStreamReader>
 #include <array>
 
 #if defined(__SSE2__)
@@ -339,6 +340,28 @@ MarkupVerdict CheckMarkup(QStringView text)
 }
 
 } // namespace detail
+
+QString DescribeMalformedXml(const QString& text)
+{
+    QXmlStreamReader reader(text);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::EndElement)
+            --depth;
+        else if (token == QXmlStreamReader::StartElement && ++depth > detail::kMaxNestingDepth)
+            return QStringLiteral("elements nested deeper than %1 levels (line %2, column %3)")
+                .arg(detail::kMaxNestingDepth)
+                .arg(reader.lineNumber())
+                .arg(reader.columnNumber());
+    }
+    if (!reader.hasError())
+        return {};
+    return QStringLiteral("%1 (line %2, column %3)")
+        .arg(reader.errorString())
+        .arg(reader.lineNumber())
+        .arg(reader.columnNumber());
+}
 
 bool IsXmlName(const QString& name)
 {
