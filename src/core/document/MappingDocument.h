@@ -131,6 +131,10 @@ public:
     // exactly and without recording anything: no node when there is none.
     Node RootChild(const QString& name, const QString& attrName = QString(),
                    const QString& attrValue = QString()) const;
+    // The same for the sections that carry a key: a dump by its number, a
+    // main query by its source table.
+    Node DumpSection(qint16 number) const;
+    Node QuerySection(const QString& source) const;
 
     // ---- section accessors --------------------------------------------------
     QString GetPreconditionText();
@@ -171,11 +175,20 @@ public:
     // The target table a dump is bound to (TT), and binding it.
     static QString DumpTargetTable(const Node& dump);
     bool SetDumpTargetTable(const Node& dump, const QString& table);
-    // The field number (No) of a rule or field element as a whole number.
+    // The number (No) of a dump, a rule or a field element as a whole number,
+    // and as it is written.
     static std::optional<qint16> ElementNo(const Node& element);
-    // The documentation text (TEXT) of PREC, a QUERY or a rule element.
+    static QString ElementNoText(const Node& element);
+    // The source table (ST) a main query reads, and a dump's own description
+    // (TXT).
+    static QString QuerySource(const Node& query);
+    static QString DumpDescription(const Node& dump);
+    // The documentation text (TEXT) of PREC, a QUERY or a rule element:
+    // whether there is one, what it says, setting and removing it.
+    static bool HasDocText(const Node& element);
     static QString DocText(const Node& element);
     bool SetDocText(const Node& element, const QString& text);
+    bool RemoveDocText(const Node& element);
     // Writes the rule of one field into a dump: the element named like the
     // field element, created when missing (with an empty TEXT). Whoever made
     // the element, once it holds a rule it carries its field's No, and TYPE

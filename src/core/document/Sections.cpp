@@ -249,7 +249,37 @@ bool MappingDocument::SetDumpTargetTable(const Node& dump, const QString& table)
 
 std::optional<qint16> MappingDocument::ElementNo(const Node& element)
 {
-    return str::ToInteger(element.attribute("No"));
+    return str::ToInteger(ElementNoText(element));
+}
+
+QString MappingDocument::ElementNoText(const Node& element)
+{
+    return element.attribute("No");
+}
+
+QString MappingDocument::QuerySource(const Node& query)
+{
+    return query.attribute("ST");
+}
+
+QString MappingDocument::DumpDescription(const Node& dump)
+{
+    return dump.attribute("TXT");
+}
+
+Node MappingDocument::DumpSection(qint16 number) const
+{
+    return RootChild(QStringLiteral("DUMP"), QStringLiteral("No"), QString::number(number));
+}
+
+Node MappingDocument::QuerySection(const QString& source) const
+{
+    return RootChild(QStringLiteral("QUERY"), QStringLiteral("ST"), source);
+}
+
+bool MappingDocument::HasDocText(const Node& element)
+{
+    return element.hasAttribute(QStringLiteral("TEXT"));
 }
 
 QString MappingDocument::DocText(const Node& element)
@@ -260,6 +290,11 @@ QString MappingDocument::DocText(const Node& element)
 bool MappingDocument::SetDocText(const Node& element, const QString& text)
 {
     return SetNodeAttribute(element, QStringLiteral("TEXT"), text);
+}
+
+bool MappingDocument::RemoveDocText(const Node& element)
+{
+    return RemoveAttribute(element, QStringLiteral("TEXT"));
 }
 
 Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, const QString& rule)

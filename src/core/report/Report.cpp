@@ -63,7 +63,7 @@ ReportDump dumpOf(MappingDocument& doc, qint16 number, const QString& referenceT
     ReportDump dump;
     dump.number = number;
     const Node dumpNode = doc.GetDumpNode(number);
-    dump.text = referenceText.isEmpty() ? dumpNode.attribute("TXT") : referenceText;
+    dump.text = referenceText.isEmpty() ? MappingDocument::DumpDescription(dumpNode) : referenceText;
     const Node table = doc.GetTargetTableNode(number);
     dump.targetTable = table ? table.name() : MappingDocument::DumpTargetTable(dumpNode);
 

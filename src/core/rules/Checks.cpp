@@ -286,7 +286,7 @@ QList<Problem> CheckSections(MappingDocument& doc)
     QList<Problem> out;
     const QuietScan scan(doc);
     for (const Node& query : doc.QueryNodes()) {
-        const QString table = query.attribute("ST");
+        const QString table = MappingDocument::QuerySource(query);
         if (!doc.MigrateTables().contains(table) && HasRule(query.text()))
             out.append(problem(Severity::Error, ProblemKind::QueryNotMigrated, 0, table, -1,
                                QStringLiteral("The main query of ") + table +
@@ -294,10 +294,10 @@ QList<Problem> CheckSections(MappingDocument& doc)
                                                   "reading the document removes it")));
     }
     for (const Node& dump : doc.DumpNodes()) {
-        const auto no = str::ToInteger(dump.attribute("No"));
+        const std::optional<qint16> no = MappingDocument::ElementNo(dump);
         if ((!no || !doc.ReferencedDumps().contains(*no)) && DumpHasRules(dump))
             out.append(problem(Severity::Error, ProblemKind::UnreferencedDump, no.value_or(0), QString(), -1,
-                               QStringLiteral("Dump ") + dump.attribute("No") +
+                               QStringLiteral("Dump ") + MappingDocument::ElementNoText(dump) +
                                    QStringLiteral(" holds rules, but no script references it: reading the "
                                                   "document removes it with its rules")));
     }
@@ -310,7 +310,7 @@ QList<qint16> CheckedDumps(MappingDocument& doc)
     QList<qint16> numbers;
     QSet<qint16> seen;
     for (const Node& dump : doc.DumpNodes()) {
-        const auto no = str::ToInteger(dump.attribute("No"));
+        const std::optional<qint16> no = MappingDocument::ElementNo(dump);
         if (no && doc.ReferencedDumps().contains(*no) && !seen.contains(*no)) {
             seen.insert(*no);
             numbers.append(*no);

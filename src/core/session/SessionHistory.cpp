@@ -14,8 +14,7 @@ MappingSession::DumpState MappingSession::captureDump(qint16 number) const
     if (number <= 0)
         return state;
     state.number = number;
-    state.element = m_doc.CopySection(
-        m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"), QString::number(number)));
+    state.element = m_doc.CopySection(m_doc.DumpSection(number));
     if (str::ToInteger(m_tag).value_or(0) == number)
         state.grid = m_rules.rules();
     return state;
@@ -114,13 +113,13 @@ void MappingSession::apply(const Step& step, bool forward)
         m_doc.RestoreSection(forward ? step.sectionAfter : step.sectionBefore, m_doc.RootChild(step.section));
         break;
     case Step::Kind::DocText: {
-        const Node node = m_doc.RootChild(
-            step.section, step.attrValue.isNull() ? QString() : QStringLiteral("ST"), step.attrValue);
+        const Node node =
+            step.attrValue.isNull() ? m_doc.RootChild(step.section) : m_doc.QuerySection(step.attrValue);
         const DocTextState& state = forward ? step.docAfter : step.docBefore;
         if (state.present)
             m_doc.SetDocText(node, state.text);
         else
-            m_doc.RemoveAttribute(node, QStringLiteral("TEXT"));
+            m_doc.RemoveDocText(node);
         break;
     }
     }
@@ -132,9 +131,7 @@ void MappingSession::apply(const Step& step, bool forward)
 
 void MappingSession::applyDumpState(const DumpState& state)
 {
-    const Node dump =
-        m_doc.RestoreSection(state.element, m_doc.RootChild(QStringLiteral("DUMP"), QStringLiteral("No"),
-                                                            QString::number(state.number)));
+    const Node dump = m_doc.RestoreSection(state.element, m_doc.DumpSection(state.number));
     if (str::ToInteger(m_tag).value_or(0) != state.number) {
         // The grid holds another dump now: the rules it held for this one go
         // where leaving the dump put them.
@@ -173,7 +170,7 @@ void MappingSession::recordDocText(const QString& section, const QString& attrVa
                                    const QString& text, const std::function<void()>& change)
 {
     const auto state = [&node] {
-        return DocTextState{node.hasAttribute(QStringLiteral("TEXT")), MappingDocument::DocText(node)};
+        return DocTextState{MappingDocument::HasDocText(node), MappingDocument::DocText(node)};
     };
     const DocTextState before = state();
     change();

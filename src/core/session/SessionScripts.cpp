@@ -223,7 +223,7 @@ void MappingSession::clickCmdMQDoc()
     const QString text = MappingDocument::DisplayText(MappingDocument::DocText(m_doc.GetQueryNode(table)));
     if (const auto result = editDocText(QStringLiteral("Text for Migrate:") + m_doc.TableName(), text)) {
         const Node node = m_doc.GetQueryNode(table);
-        recordDocText(QStringLiteral("QUERY"), node.attribute("ST"), node,
+        recordDocText(QStringLiteral("QUERY"), MappingDocument::QuerySource(node), node,
                       QStringLiteral("Documentation: main query of ") + table,
                       [&] { m_doc.SetDocText(node, *result); });
     }
