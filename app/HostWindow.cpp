@@ -342,14 +342,24 @@ bool HostWindow::save()
     return saveTo(m_document.path());
 }
 
+// A file named after the root element in the folder. A root name may begin
+// with ":", which Qt's paths and file dialogs take for the start of a path
+// into the application's resources: the proposal leaves those colons out.
+QString HostWindow::suggestedPath(const QString& folder, const QString& suffix) const
+{
+    QString name = m_document.catalogue().rootName.trimmed();
+    while (name.startsWith(u':'))
+        name.remove(0, 1);
+    return folder + u'/' + (name.isEmpty() ? QStringLiteral("mapping") : name) + suffix;
+}
+
 bool HostWindow::saveAs()
 {
     if (!m_control || m_saveLocked)
         return false;
     QString suggestion = m_document.path();
     if (suggestion.isEmpty())
-        suggestion =
-            QDir::home().filePath(m_document.catalogue().rootName.trimmed() + QStringLiteral(".xml"));
+        suggestion = suggestedPath(QDir::homePath(), QStringLiteral(".xml"));
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Mapping Object"), suggestion,
                                                       tr("Mapping objects (*.xml);;All files (*)"));
     if (path.isEmpty())
@@ -400,8 +410,7 @@ bool HostWindow::exportSpecification()
                               tr("CSV for a spreadsheet (*.csv)")};
     const QString folder =
         m_document.path().isEmpty() ? QDir::homePath() : QFileInfo(m_document.path()).absolutePath();
-    const QString name = m_document.catalogue().rootName.trimmed() + QStringLiteral(".html");
-    QFileDialog dialog(this, tr("Export Specification"), QDir(folder).filePath(name));
+    QFileDialog dialog(this, tr("Export Specification"), suggestedPath(folder, QStringLiteral(".html")));
     dialog.setObjectName(QStringLiteral("ExportSpecificationDialog"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilters(filters);

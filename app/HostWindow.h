@@ -76,6 +76,7 @@ private:
     void showDocument(const QString& text);
     void createControl(const QString& text, bool edit);
     bool maybeSave();
+    QString suggestedPath(const QString& folder, const QString& suffix) const;
     void noteChange();
     void updateTitle();
     void updateActions();

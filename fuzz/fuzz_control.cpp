@@ -108,11 +108,13 @@ void settle()
 // so that files of earlier inputs neither pile up nor vouch for later ones.
 void clearScratch()
 {
-    QDir dir(g_scratch);
+    // Paths joined as text: a table name may begin with ":", and QDir takes
+    // such a name for a path into the resources, which it cannot remove.
     for (const QString& name :
-         dir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
-        if (!dir.remove(name))
-            QDir(dir.filePath(name)).removeRecursively();
+         QDir(g_scratch).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
+        const QString path = g_scratch + u'/' + name;
+        if (!QFile::remove(path))
+            QDir(path).removeRecursively();
     }
 }
 
@@ -122,7 +124,7 @@ QString read(ctlFieldbridge& ctl)
     const QString text = ctl.property("MappingObjectXML").toString();
     const QStringList files = QDir(g_scratch).entryList(QDir::Files);
     if (files.size() != 1)
-        fbfuzz::differs("a read leaves one export file", QString::number(1), QString::number(files.size()));
+        fbfuzz::differs("a read leaves one export file", QStringLiteral("one file"), files.join(u'|'));
     QFile file(g_scratch + u'/' + files.first());
     if (!file.open(QIODevice::ReadOnly))
         fbfuzz::differs("the export file can be read", files.first(), file.errorString());

@@ -367,6 +367,28 @@ private Q_SLOTS:
         QVERIFY(bytes.contains("Signed off"));
     }
 
+    // The file proposed is named after the root element beside the document;
+    // a leading ":" (a resource path to Qt) is left out.
+    void exportProposesTheRootName()
+    {
+        const QString path = m_dir->filePath(u"colon.xml"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<:bcdefgh><SRCTBL/><PREC/></:bcdefgh>");
+        file.close();
+        QVERIFY(m_window->openFile(path));
+        QString proposed;
+        m_boxes->expect([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            QVERIFY(dialog);
+            proposed = dialog->selectedFiles().value(0);
+            dialog->reject();
+        });
+        action("actionExportSpecification")->trigger();
+        QTRY_COMPARE(m_boxes->pending(), 0);
+        QCOMPARE(proposed, m_dir->path() + u"/bcdefgh.html"_s);
+    }
+
     void exportFailureIsShown()
     {
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Ok));
