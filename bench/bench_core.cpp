@@ -69,6 +69,23 @@ void BM_SourceFieldRows(benchmark::State& state)
 }
 BENCHMARK(BM_SourceFieldRows)->Unit(benchmark::kMillisecond);
 
+// The dump references of a precondition of n lines, each "dump k text":
+// the scan must stay linear in the script's length (Arg 10,000 and 40,000).
+void BM_ScanDumpReferences(benchmark::State& state)
+{
+    MappingDocument doc;
+    SilentInteraction ui;
+    ScriptScanner scanner(doc, ui);
+    QString script;
+    for (int i = 0; i < int(state.range(0)); ++i)
+        script += QStringLiteral("dump %1 rows of part %2\n").arg(i % 999 + 1).arg(i);
+    for (auto _ : state) {
+        doc.ReferencedDumps().clear();
+        scanner.ScanDumpReferences(script);
+    }
+}
+BENCHMARK(BM_ScanDumpReferences)->Arg(10000)->Arg(40000)->Unit(benchmark::kMillisecond);
+
 // Guessing the rules of 400 target fields against 10,000 source fields.
 void BM_GuessRules(benchmark::State& state)
 {

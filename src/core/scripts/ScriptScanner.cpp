@@ -14,9 +14,30 @@ constexpr int kMigrateLen = 7;
 constexpr int kDumpLen = 4;
 constexpr qint16 kErrParse = 2002;
 
-QChar charAt(const QString& text, int pos) // 1-based; a null char outside the text
+QChar charAt(QStringView text, int pos) // 1-based; a null char outside the text
 {
     return pos >= 1 && pos <= text.size() ? text[pos - 1] : QChar();
+}
+
+// The 1-based position of what in text, without regard to case; 0 for none.
+int find(QStringView text, QStringView what)
+{
+    const qsizetype at = text.indexOf(what, 0, Qt::CaseInsensitive);
+    return at < 0 ? 0 : int(at) + 1;
+}
+
+// The text from the 1-based position on; empty past its end.
+QStringView from(QStringView text, int start)
+{
+    return start > text.size() ? QStringView() : text.mid(qMax(start, 1) - 1);
+}
+
+QStringView withoutLeadingBlanks(QStringView text)
+{
+    qsizetype b = 0;
+    while (b < text.size() && text[b] == u' ')
+        ++b;
+    return text.mid(b);
 }
 } // namespace
 
@@ -30,7 +51,7 @@ bool ListContains(const QStringList& list, const QString& name)
     return list.contains(name, Qt::CaseSensitive);
 }
 
-QString ReadDumpText(const QString& rest, int nextDump)
+QString ReadDumpText(QStringView rest, int nextDump)
 {
     qsizetype i = 0;
     while (i < rest.size() && IsSeparator(rest[i]))
@@ -43,33 +64,35 @@ QString ReadDumpText(const QString& rest, int nextDump)
         ++end;
     if (end < i)
         return QString();
-    QString text = rest.mid(i, end - i);
+    const QStringView text = rest.mid(i, end - i);
     qsizetype b = 0;
     qsizetype e = text.size();
     while (b < e && (text[b] == u' ' || text[b] == u'\t'))
         ++b;
     while (e > b && (text[e - 1] == u' ' || text[e - 1] == u'\t'))
         --e;
-    return text.mid(b, e - b);
+    return text.mid(b, e - b).toString();
 }
 
-void WalkKeyword(const QString& text, const QString& keyword,
-                 const std::function<bool(const QString& rest, int p, qsizetype offset)>& visit)
+void WalkKeyword(QStringView text, QStringView keyword,
+                 const std::function<bool(QStringView rest, int p, qsizetype offset)>& visit)
 {
+    // The rest is a view into the text: the walk stays linear however many
+    // keywords a long script holds.
     const int n = int(keyword.size());
-    QString rest = text;
+    QStringView rest = text;
     qsizetype offset = 0;
-    int p = str::InStrText(rest, keyword);
+    int p = find(rest, keyword);
     while (p > 0) {
         if (!visit(rest, p, offset) || rest.size() <= p + n)
             return;
         offset += p - 1 + n;
-        rest = str::Mid(rest, p + n);
-        p = str::InStrText(rest, keyword);
+        rest = from(rest, p + n);
+        p = find(rest, keyword);
     }
 }
 
-bool IsWholeKeyword(const QString& rest, int p, int n)
+bool IsWholeKeyword(QStringView rest, int p, int n)
 {
     return rest.size() > p + n && IsSeparator(charAt(rest, p + n)) &&
            (p == 1 || IsSeparator(charAt(rest, p - 1)));
@@ -99,7 +122,7 @@ QList<KeywordSpan> KeywordSpans(const QString& text)
     for (const QString& keyword : {kMigrate, kDump}) {
         const bool migrate = keyword == kMigrate;
         const int n = int(keyword.size());
-        WalkKeyword(text, keyword, [&](const QString& rest, int p, qsizetype offset) {
+        WalkKeyword(text, keyword, [&](QStringView rest, int p, qsizetype offset) {
             // A "migrate" with at most one character after it ends the scan.
             if (migrate && rest.size() <= p + n)
                 return false;
@@ -128,7 +151,7 @@ QList<KeywordSpan> KeywordSpans(const QString& text)
     return spans;
 }
 
-bool ScriptScanner::IsKeywordAt(const QString& text, int p, int n, const QString& message)
+bool ScriptScanner::IsKeywordAt(QStringView text, int p, int n, const QString& message)
 {
     if (text.size() > p + n)
         return IsWholeKeyword(text, p, n);
@@ -143,19 +166,20 @@ bool ScriptScanner::IsKeywordAt(const QString& text, int p, int n, const QString
     return false;
 }
 
-QString ScriptScanner::NextWord(const QString& text, qint32& count)
+QString ScriptScanner::NextWord(QStringView text, qint32& count)
 {
-    QString s = str::Trim(text);
+    // Blanks go from the front only: the word ends at the first separator,
+    // so blanks at the end of the text never change it.
+    QStringView s = withoutLeadingBlanks(text);
     while (!s.isEmpty() && (s[0] == u'\n' || s[0] == u'\r' || s[0] == u'\t')) {
-        s = str::Trim(s.mid(1));
+        s = withoutLeadingBlanks(s.mid(1));
         ++count;
     }
-    s = str::LTrim(s);
     qsizetype len = 0;
     while (len < s.size() && !IsSeparator(s[len]))
         ++len;
     count += qint32(len);
-    return s.left(len);
+    return s.left(len).toString();
 }
 
 bool ScriptScanner::ParseMigrateTables(const QString& text)
@@ -164,7 +188,7 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
         return false;
     try {
         m_doc.MigrateTables() = QStringList{QString()};
-        WalkKeyword(text, kMigrate, [this](const QString& rest, int p, qsizetype) {
+        WalkKeyword(text, kMigrate, [this](QStringView rest, int p, qsizetype) {
             if (rest.size() <= p + kMigrateLen) {
                 m_ui.MsgBox(QStringLiteral("Migrate Keyword Has to be followed by a TableName"),
                             MsgButtons::Ok, MsgIcon::Critical);
@@ -173,7 +197,7 @@ bool ScriptScanner::ParseMigrateTables(const QString& text)
             if (IsKeywordAt(rest, p, kMigrateLen,
                             QStringLiteral("Migrate Keyword has to followed by a TableName"))) {
                 qint32 consumed = 0;
-                const QString name = str::Trim(NextWord(str::Mid(rest, p + kMigrateLen), consumed));
+                const QString name = str::Trim(NextWord(from(rest, p + kMigrateLen), consumed));
                 if (!name.isEmpty())
                     AddMigrateTable(name);
             }
@@ -212,15 +236,15 @@ bool ScriptScanner::AddMigrateTable(const QString& name)
 
 void ScriptScanner::ScanDumpReferences(const QString& text)
 {
-    WalkKeyword(text, kDump, [this](const QString& rest, int p, qsizetype) {
+    WalkKeyword(text, kDump, [this](QStringView rest, int p, qsizetype) {
         const bool whole =
             IsKeywordAt(rest, p, kDumpLen, QStringLiteral("Dump Keyword Must be Followed by a Dump Number"));
         if (whole && rest.size() > p + kDumpLen) {
-            const QString after = str::Mid(rest, p + kDumpLen);
+            const QStringView after = from(rest, p + kDumpLen);
             qint32 consumed = 0;
             const QString word = NextWord(after, consumed);
             if (const auto number = DumpNumber(word))
-                m_doc.AddDumpReference(*number, ReadDumpText(after, str::InStrText(after, kDump)));
+                m_doc.AddDumpReference(*number, ReadDumpText(after, find(after, kDump)));
         }
         return true;
     });

@@ -22,7 +22,7 @@ bool ListContains(const QStringList& list, const QString& name);
 // first on the line, with blanks and tabs trimmed. rest starts right after
 // the keyword; nextDump is the 1-based position of the next "dump" in rest
 // (0 for none).
-QString ReadDumpText(const QString& rest, int nextDump);
+QString ReadDumpText(QStringView rest, int nextDump);
 
 // The keywords of a text as the scanner reads them: each whole "migrate" or
 // "dump" (positions in UTF-16 code units, from 0), with the word that follows
@@ -43,8 +43,8 @@ QList<KeywordSpan> KeywordSpans(const QString& text);
 // answers whether to go on. The rest after an occurrence starts right behind
 // the keyword, so a keyword directly after another one stands at the rest's
 // start.
-void WalkKeyword(const QString& text, const QString& keyword,
-                 const std::function<bool(const QString& rest, int p, qsizetype offset)>& visit);
+void WalkKeyword(QStringView text, QStringView keyword,
+                 const std::function<bool(QStringView rest, int p, qsizetype offset)>& visit);
 
 // A valid source-table name: 8 characters, the first 5 not numeric, the last
 // 3 numeric.
@@ -64,10 +64,10 @@ public:
     // as a whole word. A keyword that ends the text (or has just one character
     // after it) is never a whole word, and the message is shown: critical at
     // the text's start, information after a separator.
-    bool IsKeywordAt(const QString& text, int p, int n, const QString& message);
+    bool IsKeywordAt(QStringView text, int p, int n, const QString& message);
 
     // The first word of the text; count grows by the characters consumed.
-    QString NextWord(const QString& text, qint32& count);
+    QString NextWord(QStringView text, qint32& count);
 
     // Fills the migrate tables from the "migrate" statements of the text.
     // False for an empty text, which changes nothing.
