@@ -118,6 +118,19 @@ QList<Node> Node::childElements() const
     return out;
 }
 
+QHash<QString, Node> Node::firstChildElementsByName() const
+{
+    QHash<QString, Node> out;
+    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        const QString name = Utf8Text(c.name(), qsizetype(std::strlen(c.name())));
+        if (!out.contains(name))
+            out.insert(name, Node(c.internal_object()));
+    }
+    return out;
+}
+
 QList<Node> Node::childNodes() const
 {
     QList<Node> out;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -42,6 +43,9 @@ public:
     Node childElement(const QString& name) const;
     Node childElement(const char* name) const;
     QList<Node> childElements() const;
+    // The first child element of each name, found in one pass: for a parent
+    // whose children are looked up by name one after the other.
+    QHash<QString, Node> firstChildElementsByName() const;
     // Every child node, whatever its kind, in document order.
     QList<Node> childNodes() const;
 

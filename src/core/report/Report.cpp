@@ -6,6 +6,7 @@
 #include "core/document/TextRules.h"
 #include "core/rules/DumpStore.h"
 
+#include <QSet>
 #include <algorithm>
 
 namespace fb {
@@ -27,15 +28,19 @@ bool isTextNumber(const QString& text)
 QStringList sourcesOf(const QString& rule)
 {
     QStringList sources;
+    QSet<QString> seen;
     for (const FieldReference& ref : FieldReferences(rule)) {
-        const QString named = ref.table + u'.' + ref.field;
-        if (!sources.contains(named))
-            sources.append(named);
+        QString named = ref.table + u'.' + ref.field;
+        if (!seen.contains(named)) {
+            seen.insert(named);
+            sources.append(std::move(named));
+        }
     }
     return sources;
 }
 
-ReportField fieldOf(int row, const TargetField& target, const QString& storedRule, const Node& dumpNode)
+ReportField fieldOf(int row, const TargetField& target, const QString& storedRule,
+                    const QHash<QString, Node>& ruleElements)
 {
     ReportField f;
     const FieldDefinition& definition = target.definition;
@@ -49,7 +54,7 @@ ReportField fieldOf(int row, const TargetField& target, const QString& storedRul
     f.sources = sourcesOf(f.rule);
     // The documentation belongs to the element named like the field, as
     // the dump's text command finds it.
-    const Node element = dumpNode.childElement(definition.elementName.toUpper());
+    const Node element = ruleElements.value(definition.elementName.toUpper());
     const QString text = MappingDocument::DocText(element);
     if (isTextNumber(str::Trim(text)))
         f.hostTextNumber = str::Trim(text);
@@ -74,8 +79,9 @@ ReportDump dumpOf(MappingDocument& doc, qint16 number, const QString& referenceT
     for (const GridRule& rule : rules) // the last rule for a row wins, as in the checks
         if (rule.row >= 0 && rule.row < byRow.size())
             byRow[rule.row] = rule.text;
+    const QHash<QString, Node> ruleElements = dumpNode.firstChildElementsByName();
     for (int row = 0; row < fields.size(); ++row)
-        dump.fields.append(fieldOf(row, fields[row], byRow[row], dumpNode));
+        dump.fields.append(fieldOf(row, fields[row], byRow[row], ruleElements));
     return dump;
 }
 
