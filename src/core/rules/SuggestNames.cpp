@@ -8,6 +8,14 @@ namespace {
 
 constexpr double kWeakFactor = 0.3;
 constexpr double kContextFactor = 0.3;
+// What a name or a description contributes is bounded: its first words, and
+// compounds of a plausible length. Aligning two texts pairs every word of one
+// with every word of the other, and spellings are compared letter by letter,
+// so a description of thousands of words or a word of thousands of letters
+// would otherwise cost quadratic time.
+constexpr qsizetype kMaxWords = 40;
+constexpr qsizetype kMaxCompound = 40;
+constexpr qsizetype kMaxWordLength = 64;
 
 bool isKnown(const QString& part)
 {
@@ -152,7 +160,7 @@ QStringList NameAnalyser::schemaWords(const QString& part) const
 
 QStringList NameAnalyser::SplitCompound(const QString& part)
 {
-    if (part.size() < 5 || !part[0].isLetter() || isKnown(part))
+    if (part.size() < 5 || part.size() > kMaxCompound || !part[0].isLetter() || isKnown(part))
         return {part};
     // Names repeat their parts: each distinct part is split once.
     if (const auto it = m_splits.constFind(part); it != m_splits.cend())
@@ -194,9 +202,14 @@ QStringList NameAnalyser::SplitCompound(const QString& part)
 QList<NameWord> NameAnalyser::analyseParts(const QString& text, bool dropStopWords)
 {
     QList<NameWord> out;
-    for (const QString& part : SplitName(text))
-        for (const QString& piece : SplitCompound(part))
+    for (const QString& part : SplitName(text)) {
+        if (out.size() >= kMaxWords)
+            break;
+        for (const QString& piece : SplitCompound(part.left(kMaxWordLength)))
             addWords(out, piece, dropStopWords);
+    }
+    if (out.size() > kMaxWords)
+        out.resize(kMaxWords);
     return out;
 }
 
