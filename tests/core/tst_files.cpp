@@ -120,6 +120,33 @@ private Q_SLOTS:
         QCOMPARE(raw.readAll(), text.toUtf8());
     }
 
+    // A replaced file keeps its mode (a file shared with a group stays
+    // shared); a new one gets what the process's umask allows.
+    void modeOfTheWrittenFile_data()
+    {
+        QTest::addColumn<int>("existing"); // -1: no file yet
+        QTest::addColumn<int>("expected");
+        QTest::newRow("new file") << -1 << (0666 & ~0027);
+        QTest::newRow("group-readable file kept") << 0640 << 0640;
+        QTest::newRow("world-readable file kept") << 0644 << 0644;
+    }
+    void modeOfTheWrittenFile()
+    {
+        QFETCH(int, existing);
+        QFETCH(int, expected);
+        const mode_t before = ::umask(0027);
+        const QString path = scratch->path() + u"/shared.xml"_s;
+        if (existing >= 0) {
+            QVERIFY(fb::WriteTextFile(path, u"old"_s));
+            QVERIFY(::chmod(QFile::encodeName(path).constData(), mode_t(existing)) == 0);
+        }
+        const bool written = fb::WriteTextFile(path, u"new"_s);
+        ::umask(before);
+        QVERIFY(written);
+        QCOMPARE(modeOf(path), expected);
+        QCOMPARE(fb::ReadTextFile(path), u"new"_s);
+    }
+
     // A link planted at the path is never read as the file and is replaced
     // by the file on writing, whether its target exists or not.
     void plantedLinks_data()

@@ -8,6 +8,9 @@
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -105,7 +108,37 @@ private Q_SLOTS:
         QTest::newRow("check, not well-formed") << u"check @/broken.xml"_s << 2 << QString();
         QTest::newRow("report as CSV") << u"report @/errors.xml --format csv"_s << 0 << u"srcxx001.a"_s;
         QTest::newRow("report without format") << u"report @/mapping.xml"_s << 2 << QString();
+        QTest::newRow("empty file name") << u"check ''"_s << 2 << u"no file name given"_s;
         QTest::newRow("report into a folder") << u"report @/mapping.xml --format md -o @"_s << 1 << QString();
+    }
+
+    // Output that cannot arrive is an error, and an OUT that is a pipe gets
+    // the text through it and stays a pipe.
+    void outputThatCannotArrive()
+    {
+        QProcess p;
+        p.setStandardOutputFile(u"/dev/full"_s);
+        p.start(QStringLiteral(FIELDBRIDGE_TOOL),
+                {u"report"_s, path(u"mapping.xml"_s), u"--format"_s, u"md"_s});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 1);
+        QVERIFY(p.readAllStandardError().contains("cannot write to standard output"));
+    }
+    void outIntoAPipe()
+    {
+        const QString fifo = path(u"pipe"_s);
+        QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
+        const int reader = ::open(QFile::encodeName(fifo).constData(), O_RDONLY | O_NONBLOCK);
+        QVERIFY(reader >= 0);
+        const Run shown = run({u"report"_s, path(u"mapping.xml"_s), u"--format"_s, u"md"_s});
+        const Run r = run({u"report"_s, path(u"mapping.xml"_s), u"--format"_s, u"md"_s, u"-o"_s, fifo});
+        QByteArray received(shown.out.size() + 1, '\0');
+        const ssize_t n = ::read(reader, received.data(), size_t(received.size()));
+        ::close(reader);
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(received.left(qsizetype(n)), shown.out);
+        struct stat st {};
+        QVERIFY(::stat(QFile::encodeName(fifo).constData(), &st) == 0 && S_ISFIFO(st.st_mode));
     }
 
     // An error found: the listing on stdout and exit 1; a report written
@@ -132,7 +165,7 @@ private Q_SLOTS:
         QFETCH(QString, says);
         QStringList list = args.split(u' ', Qt::SkipEmptyParts);
         for (QString& a : list)
-            a.replace(u'@', m_dir.path());
+            a = a == u"''" ? QString() : a.replace(u'@', m_dir.path());
         const Run r = run(list);
         QCOMPARE(r.exitCode, exitCode);
         if (exitCode == 0) {

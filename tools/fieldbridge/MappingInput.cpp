@@ -16,6 +16,11 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
             *error = path + QStringLiteral(": ") + why;
         return false;
     };
+    if (path.isEmpty()) {
+        if (error)
+            *error = QStringLiteral("no file name given");
+        return false;
+    }
     if (QFileInfo(path).isDir())
         return fail(QStringLiteral("is a folder"));
     QFile file(path);

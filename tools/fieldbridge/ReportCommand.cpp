@@ -7,6 +7,9 @@
 #include "core/report/Report.h"
 
 #include <QCommandLineParser>
+#include <QFile>
+#include <QFileInfo>
+#include <sys/stat.h>
 
 namespace fbtool {
 
@@ -23,11 +26,36 @@ const char* const kHelp =
     "\n"
     "Options:\n"
     "  --format F  html, md or csv (required)\n"
-    "  -o OUT      write to the file OUT (replaced as a whole) instead of standard output\n"
+    "  -o OUT      write to the file OUT instead of standard output: a file is replaced as a\n"
+    "              whole and keeps its mode; a pipe or a device is written into\n"
     "  -h, --help  this text\n"
     "\n"
     "Exit status: 0 written, 1 OUT could not be written, 2 FILE is not a mapping object or the\n"
     "command line is wrong.\n";
+
+// OUT that is not a plain file (a device, a pipe, a socket, or a name of a
+// descriptor such as /dev/stdout) takes the text as a stream, as the shell's
+// ">" would give it; a plain file (or a link standing in its place) is
+// replaced as a whole, so that a failed write leaves it as it was.
+bool isStream(const QString& path)
+{
+    struct stat st {};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+        return false;
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    return (!S_ISREG(st.st_mode) && !S_ISDIR(st.st_mode)) || absolute.startsWith(u"/dev/") ||
+           absolute.startsWith(u"/proc/");
+}
+
+bool writeInto(const QString& path, const QString& text, QString* error)
+{
+    QFile file(path);
+    const QByteArray bytes = text.toUtf8();
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush())
+        return true;
+    *error = file.errorString();
+    return false;
+}
 
 } // namespace
 
@@ -59,7 +87,8 @@ int RunReport(const QStringList& arguments)
         return Success;
     }
     QString error;
-    if (!fb::WriteTextFile(parser.value(outOption), text, &error)) {
+    const QString out = parser.value(outOption);
+    if (!(isStream(out) ? writeInto(out, text, &error) : fb::WriteTextFile(out, text, &error))) {
         PrintError(command, QStringLiteral("cannot write %1: %2").arg(parser.value(outOption), error));
         return Failure;
     }

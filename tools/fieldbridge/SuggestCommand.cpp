@@ -117,9 +117,8 @@ int RunSuggest(const QStringList& arguments)
     }
     const int top = parser.value(topOption).toInt(&ok);
     if (!ok || top < 1) {
-        PrintError(
-            command,
-            QStringLiteral("--top takes a whole number of 1 or more, not '%1'").arg(parser.value(topOption)));
+        PrintError(command, QStringLiteral("--top takes a whole number from 1 to 2147483647, not '%1'")
+                                .arg(parser.value(topOption)));
         return Unreadable;
     }
 

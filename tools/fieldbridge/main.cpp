@@ -4,7 +4,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace fbtool {
 
@@ -60,6 +62,17 @@ QString overview()
     return text;
 }
 
+// What went to stdout must have arrived: a full disk or a closed pipe is an
+// error of its own, not a silent success.
+int finish(int status, const QString& command)
+{
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return status;
+    fbtool::PrintError(command, QStringLiteral("cannot write to standard output: %1")
+                                    .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    return fbtool::Failure;
+}
+
 const fbtool::Command* find(const QString& name)
 {
     for (const fbtool::Command& c : fbtool::Commands())
@@ -78,11 +91,11 @@ int main(int argc, char* argv[])
     const QString first = args.value(0);
     if (first == u"-h" || first == u"--help" || (first == u"help" && args.size() == 1)) {
         fbtool::PrintOut(overview());
-        return fbtool::Success;
+        return finish(fbtool::Success, {});
     }
     if (first == u"--version") {
         fbtool::PrintOut(QStringLiteral("fieldbridge %1\n").arg(QStringLiteral(FIELDBRIDGE_VERSION)));
-        return fbtool::Success;
+        return finish(fbtool::Success, {});
     }
     if (first.isEmpty()) {
         fbtool::PrintError({}, QStringLiteral("no command given (fieldbridge --help lists them)"));
@@ -97,5 +110,5 @@ int main(int argc, char* argv[])
                            QStringLiteral("unknown command '%1' (fieldbridge --help lists them)").arg(name));
         return fbtool::Unreadable;
     }
-    return command->run(helpOf ? QStringList{QStringLiteral("--help")} : args.mid(1));
+    return finish(command->run(helpOf ? QStringList{QStringLiteral("--help")} : args.mid(1)), name);
 }

@@ -144,15 +144,38 @@ bool TextFileWriter::write(const char* data, qsizetype size)
     return true;
 }
 
+namespace {
+
+// The mode the new file takes: an existing file's own (a shared file stays
+// shared), else what this process creates files with.
+mode_t modeFor(const QByteArray& path)
+{
+    struct stat st {};
+    if (::lstat(path.constData(), &st) == 0 && S_ISREG(st.st_mode))
+        return st.st_mode & 07777;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+} // namespace
+
 bool TextFileWriter::commit()
 {
     if (!m_error.isEmpty() || !m_file)
         return false;
+    const QByteArray target = QFile::encodeName(m_path);
+    // A file that may not be written is not replaced behind its back.
+    struct stat st {};
+    if (::lstat(target.constData(), &st) == 0 && S_ISREG(st.st_mode) &&
+        ::access(target.constData(), W_OK) != 0)
+        return fail(QString::fromLocal8Bit(std::strerror(errno)));
     if (!m_file->flush())
         return fail(m_file->errorString());
+    if (::fchmod(m_file->handle(), modeFor(target)) != 0)
+        return fail(QString::fromLocal8Bit(std::strerror(errno)));
     m_file->close();
-    if (::rename(QFile::encodeName(m_file->fileName()).constData(), QFile::encodeName(m_path).constData()) !=
-        0)
+    if (::rename(QFile::encodeName(m_file->fileName()).constData(), target.constData()) != 0)
         return fail(QString::fromLocal8Bit(std::strerror(errno)));
     m_file->setAutoRemove(false); // it is the target now
     return true;
