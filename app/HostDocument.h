@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MappingFile.h"
+#include "core/document/TextCodec.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -19,14 +20,9 @@ class HostDocument {
     Q_DECLARE_TR_FUNCTIONS(HostDocument)
 
 public:
-    struct Decoded {
-        QString text;
-        bool declarationRemoved = false;
-    };
-
-    // File bytes as text: by the byte-order mark, else by the encoding the
-    // declaration names, else as UTF-8. A leading XML declaration is removed:
-    // the control needs the root element to be the document's first node.
+    // File bytes as text, as every reader of mapping-object files decodes
+    // them (fb::DecodeMappingFile).
+    using Decoded = fb::DecodedFile;
     static Decoded decode(const QByteArray& bytes);
 
     static QString sampleFileName();

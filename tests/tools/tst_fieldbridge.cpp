@@ -71,6 +71,10 @@ private Q_SLOTS:
         write(u"mapping.xml"_s, kMapping);
         write(u"broken.xml"_s, "<abcde001><SRCTBL>srcaa001</abcde001>");
         write(u"short.xml"_s, "<abc><SRCTBL/></abc>");
+        write(u"latin1.xml"_s,
+              "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<abcde001><PREC>dump 1 x</PREC>"
+              "<DUMP No=\"1\" TT=\"abcde001\"/><TARTAB><ABCDE001><F No=\"1\" DSCA=\"Stra\xdf"
+              "e\"/></ABCDE001></TARTAB></abcde001>");
         write(u"deep.xml"_s, "<abcde001>" + QByteArray("<a>").repeated(1200) +
                                  QByteArray("</a>").repeated(1200) + "</abcde001>");
         QByteArray errors = kMapping;
@@ -109,6 +113,8 @@ private Q_SLOTS:
         QTest::newRow("report as CSV") << u"report @/errors.xml --format csv"_s << 0 << u"srcxx001.a"_s;
         QTest::newRow("report without format") << u"report @/mapping.xml"_s << 2 << QString();
         QTest::newRow("empty file name") << u"check ''"_s << 2 << u"no file name given"_s;
+        QTest::newRow("encoding the file declares")
+            << u"report @/latin1.xml --format csv"_s << 0 << u"Stra\u00dfe"_s;
         QTest::newRow("report into a folder") << u"report @/mapping.xml --format md -o @"_s << 1 << QString();
     }
 

@@ -2,6 +2,7 @@
 
 #include "Command.h"
 #include "core/document/MappingDocument.h"
+#include "core/document/TextCodec.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -26,7 +27,7 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = fb::DecodeMappingFile(file.readAll()).text;
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());
     if (!doc.LoadXml(text)) {

@@ -18,4 +18,14 @@ inline QString Utf8Text(const QByteArray& bytes)
 // The same for text in the locale's 8-bit encoding (the temporary files).
 QString LocalText(const QByteArray& bytes);
 
+// The bytes of a mapping-object file as text: by the byte-order mark, else
+// by the encoding the declaration names, else as UTF-8. A leading XML
+// declaration is removed: the document needs the root element to be its
+// first node. The host and the headless tool read files through here.
+struct DecodedFile {
+    QString text;
+    bool declarationRemoved = false;
+};
+DecodedFile DecodeMappingFile(const QByteArray& bytes);
+
 } // namespace fb
