@@ -28,7 +28,7 @@ QString rulesDocument()
 // host's text number; a rule of markup and Markdown; a field whose name is
 // not Latin; an unreferenced dump and a query whose table name holds a tab
 // and a line break.
-const QString kDumpText = uR"(Fïrst <b>& "quoted" | 'x', 名前)"_s;
+const QString kDumpText = uR"(Fïrst <b>& "quoted" | 'x', 名前 ##)"_s;
 const QString kDoc = u"Signed: <i>Ann</i> & Bo | \"ok\", x\nsecond line"_s;
 const QString kRule = uR"(srcaa001.zip & "<a href='x'>|</a>, \*_[]~$`")"_s;
 
@@ -132,6 +132,8 @@ void readMarkdown(const QString& text, Read& r)
     for (const QString& line : text.split(u'\n')) {
         if (line.startsWith(u"## Dump "_s))
             dump = line.section(u' ', 2, 2).toInt();
+        // A heading's closing run of "#" is not part of its text.
+        QVERIFY2(!line.startsWith(u'#') || !line.endsWith(u'#') || line.endsWith(u"\\#"_s), qPrintable(line));
         outside = line.startsWith(u"### "_s) || (outside && !line.startsWith(u'#'));
         if (outside && line.startsWith(u"- "_s))
             r.outside.append(markdownCells(u"| "_s + line.mid(2) + u" |"_s).value(0));

@@ -13,7 +13,7 @@ namespace {
 // <br> in a cell (a table row is one line) and a blank elsewhere.
 QString md(const QString& text, bool cell = true)
 {
-    static const QString special = QStringLiteral("\\`*_[]<>&|~$");
+    static const QString special = QStringLiteral("\\`*_[]<>&|~$#");
     QString out;
     out.reserve(text.size() + text.size() / 8);
     for (const QChar c : text) {
