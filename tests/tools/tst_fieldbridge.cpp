@@ -115,7 +115,10 @@ private Q_SLOTS:
         QTest::newRow("empty file name") << u"check ''"_s << 2 << u"no file name given"_s;
         QTest::newRow("encoding the file declares")
             << u"report @/latin1.xml --format csv"_s << 0 << u"Stra\u00dfe"_s;
-        QTest::newRow("report into a folder") << u"report @/mapping.xml --format md -o @"_s << 1 << QString();
+        QTest::newRow("report into a folder")
+            << u"report @/mapping.xml --format md -o @"_s << 1 << u"folder"_s;
+        QTest::newRow("report into a new folder")
+            << u"report @/mapping.xml --format md -o @/new/"_s << 1 << u"it is a folder"_s;
     }
 
     // Output that cannot arrive is an error, and an OUT that is a pipe gets

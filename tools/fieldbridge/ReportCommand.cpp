@@ -88,6 +88,10 @@ int RunReport(const QStringList& arguments)
     }
     QString error;
     const QString out = parser.value(outOption);
+    if (out.endsWith(u'/') || QFileInfo(out).isDir()) {
+        PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(out));
+        return Failure;
+    }
     if (!(isStream(out) ? writeInto(out, text, &error) : fb::WriteTextFile(out, text, &error))) {
         PrintError(command, QStringLiteral("cannot write %1: %2").arg(parser.value(outOption), error));
         return Failure;
