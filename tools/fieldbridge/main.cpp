@@ -62,8 +62,8 @@ QString overview()
     return text;
 }
 
-// What went to stdout must have arrived: a full disk or a closed pipe is an
-// error of its own, not a silent success.
+// What went to stdout must have arrived: a full disk or a device that
+// refuses the text is an error of its own, not a silent success.
 int finish(int status, const QString& command)
 {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))
