@@ -3,7 +3,10 @@
 // dumps, target tables, text numbers and the decoding of text for display.
 
 #include "CoreTestSupport.h"
+#include "core/rules/DumpStore.h"
 #include "core/scripts/ScriptScanner.h"
+
+#include <QRandomGenerator>
 
 using namespace fbtest;
 using fb::MappingDocument;
@@ -354,9 +357,47 @@ private Q_SLOTS:
         MappingDocument doc;
         QVERIFY(load(doc, wrapped(u"<DUMP No=\"1\">"_s + before + u"</DUMP>"_s + table)));
         const Node field = doc.GetTargetTableDefinition(u"klmno001"_s).firstChildElement();
-        QVERIFY(doc.WriteRuleElement(doc.GetDumpNode(1), field, rule));
+        const Node dump = doc.GetDumpNode(1);
+        QVERIFY(doc.WriteRuleElement(dump, field, rule, dump.childElement(field.name())));
         QFETCH(QString, after);
         QCOMPARE(doc.Serialize(), wrapped(u"<DUMP No=\"1\">"_s + after + u"</DUMP>"_s + table));
+    }
+
+    // Storing a grid's rules keeps the dump's elements of each name in step
+    // with its writes and removals: on generated dumps (names repeated in
+    // the dump and in the table, rules and blanks) it leaves exactly what the
+    // plain walk leaves, which looks each field's element up in the dump.
+    void storeRulesMatchesThePlainWalk()
+    {
+        QRandomGenerator random(20261123);
+        const QStringList names{u"A"_s, u"B"_s, u"C"_s, u"D"_s};
+        for (int round = 0; round < 300; ++round) {
+            QString dump;
+            for (int i = int(random.bounded(6)); i > 0; --i)
+                dump += u"<%1 No=\"9\">old</%1>"_s.arg(names[int(random.bounded(3))]);
+            QString table;
+            QStringList rules;
+            for (int row = 0; row < 6; ++row) {
+                table += u"<%1 No=\"%2\"/>"_s.arg(names[int(random.bounded(4))]).arg(row + 1);
+                rules.append(random.bounded(2) ? u"r%1"_s.arg(row) : QString());
+            }
+            const QString xml = wrapped(u"<DUMP No=\"1\">"_s + dump + u"</DUMP><TARTAB><KLMNO001>"_s + table +
+                                        u"</KLMNO001></TARTAB>"_s);
+            MappingDocument stored;
+            MappingDocument walked;
+            QVERIFY(load(stored, xml) && load(walked, xml));
+            const auto ruleOf = [&](int row) { return rules[row]; };
+            fb::StoreRules(stored, stored.GetDumpNode(1), stored.GetTargetTableNode(1), 6, ruleOf);
+            const Node dumpNode = walked.GetDumpNode(1);
+            for (Node f = walked.GetTargetTableNode(1).firstChildElement(); f; f = f.nextSiblingElement()) {
+                const QString rule = rules[*MappingDocument::ElementNo(f) - 1];
+                if (!rule.isEmpty())
+                    walked.WriteRuleElement(dumpNode, f, rule, dumpNode.childElement(f.name()));
+                else if (const Node child = dumpNode.childElement(f.name()))
+                    walked.RemoveChild(dumpNode, child);
+            }
+            QCOMPARE(stored.Serialize(), walked.Serialize());
+        }
     }
 
     // Which table's fields are mapped: without MSCRIPT the root's own; with

@@ -123,7 +123,7 @@ private Q_SLOTS:
 
         // The stored form of the same rule gives the same problems.
         QVERIFY(doc.WriteRuleElement(doc.CreateDumpNode(1), doc.GetTargetTableNode(1).childElements()[row],
-                                     rule));
+                                     rule, fb::Node()));
         QCOMPARE(messages(fb::CheckMapping(doc)), problems);
     }
 

@@ -189,11 +189,12 @@ public:
     static QString DocText(const Node& element);
     bool SetDocText(const Node& element, const QString& text);
     bool RemoveDocText(const Node& element);
-    // Writes the rule of one field into a dump: the element named like the
-    // field element, created when missing (with an empty TEXT). Whoever made
-    // the element, once it holds a rule it carries its field's No, and TYPE
-    // is "1" exactly when the text as stored holds a line break.
-    Node WriteRuleElement(const Node& dump, const Node& field, const QString& rule);
+    // Writes the rule of one field into a dump: into existing, the dump's
+    // first element named like the field element, or into a new one (with an
+    // empty TEXT) when there is none. Whoever made the element, once it holds
+    // a rule it carries its field's No, and TYPE is "1" exactly when the text
+    // as stored holds a line break.
+    Node WriteRuleElement(const Node& dump, const Node& field, const QString& rule, const Node& existing);
     // Appends a new rule element for the field, also when one exists; with
     // a null rule the element stays empty.
     Node AppendRuleElement(const Node& dump, const Node& field, const QString& rule = QString());

@@ -297,9 +297,10 @@ bool MappingDocument::RemoveDocText(const Node& element)
     return RemoveAttribute(element, QStringLiteral("TEXT"));
 }
 
-Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, const QString& rule)
+Node MappingDocument::WriteRuleElement(const Node& dump, const Node& field, const QString& rule,
+                                       const Node& existing)
 {
-    Node element = dump.childElement(field.name());
+    Node element = existing;
     if (element)
         SetNodeAttribute(element, QStringLiteral("No"), field.attribute("No"));
     else

@@ -5,6 +5,12 @@ namespace fb {
 void StoreRules(MappingDocument& doc, const Node& dump, const Node& targetTable, int rowCount,
                 const std::function<QString(int row)>& ruleOfRow)
 {
+    // The dump's elements of each name in document order, kept in step with
+    // the writes and removals below: the first of a name is the one a
+    // field's rule goes to, found without searching the dump once per field.
+    QHash<QString, QList<Node>> elements;
+    for (Node c = dump.firstChildElement(); c; c = c.nextSiblingElement())
+        elements[c.name()].append(c);
     for (Node f = targetTable.firstChildElement(); f; f = f.nextSiblingElement()) {
         const auto no = MappingDocument::ElementNo(f);
         if (!no)
@@ -13,10 +19,14 @@ void StoreRules(MappingDocument& doc, const Node& dump, const Node& targetTable,
         if (row < 0 || row >= rowCount)
             continue;
         const QString rule = ruleOfRow(row);
-        if (!rule.isEmpty())
-            doc.WriteRuleElement(dump, f, rule);
-        else if (const Node child = dump.childElement(f.name()))
-            doc.RemoveChild(dump, child);
+        QList<Node>& named = elements[f.name()];
+        if (!rule.isEmpty()) {
+            const Node written = doc.WriteRuleElement(dump, f, rule, named.value(0));
+            if (named.isEmpty() && written)
+                named.append(written);
+        } else if (!named.isEmpty()) {
+            doc.RemoveChild(dump, named.takeFirst());
+        }
     }
 }
 
