@@ -118,17 +118,18 @@ QList<Node> Node::childElements() const
     return out;
 }
 
-QHash<QString, Node> Node::firstChildElementsByName() const
+ChildrenByName::ChildrenByName(const Node& parent)
 {
-    QHash<QString, Node> out;
-    for (pugi::xml_node c = toPugi(m_node).first_child(); c; c = c.next_sibling()) {
-        if (c.type() != pugi::node_element)
-            continue;
-        const QString name = Utf8Text(c.name(), qsizetype(std::strlen(c.name())));
-        if (!out.contains(name))
-            out.insert(name, Node(c.internal_object()));
+    for (Node c = parent.firstChildElement(); c; c = c.nextSiblingElement()) {
+        const QByteArrayView name(toPugi(c.m_node).name());
+        if (!m_first.contains(name))
+            m_first.insert(name, c);
     }
-    return out;
+}
+
+Node ChildrenByName::first(const QString& name) const
+{
+    return m_first.value(QByteArrayView(utf8(name)));
 }
 
 QList<Node> Node::childNodes() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -43,9 +44,6 @@ public:
     Node childElement(const QString& name) const;
     Node childElement(const char* name) const;
     QList<Node> childElements() const;
-    // The first child element of each name, found in one pass: for a parent
-    // whose children are looked up by name one after the other.
-    QHash<QString, Node> firstChildElementsByName() const;
     // Every child node, whatever its kind, in document order.
     QList<Node> childNodes() const;
 
@@ -54,8 +52,22 @@ public:
 private:
     friend class MappingDocument;
     friend struct FieldDefinition;
+    friend class ChildrenByName;
     explicit Node(pugi::xml_node_struct* node) : m_node(node) {}
     pugi::xml_node_struct* m_node = nullptr;
+};
+
+// The first child element of each name under a parent, gathered in one pass
+// without copying a name: for a parent whose children are looked up by name
+// one after the other. Valid while the parent's children stay as they are.
+class ChildrenByName {
+public:
+    explicit ChildrenByName(const Node& parent);
+    // What parent.childElement(name) finds.
+    Node first(const QString& name) const;
+
+private:
+    QHash<QByteArrayView, Node> m_first; // the names are the document's own bytes
 };
 
 } // namespace fb

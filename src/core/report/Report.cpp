@@ -40,7 +40,7 @@ QStringList sourcesOf(const QString& rule)
 }
 
 ReportField fieldOf(int row, const TargetField& target, const QString& storedRule,
-                    const QHash<QString, Node>& ruleElements)
+                    const ChildrenByName& ruleElements)
 {
     ReportField f;
     const FieldDefinition& definition = target.definition;
@@ -54,7 +54,7 @@ ReportField fieldOf(int row, const TargetField& target, const QString& storedRul
     f.sources = sourcesOf(f.rule);
     // The documentation belongs to the element named like the field, as
     // the dump's text command finds it.
-    const Node element = ruleElements.value(definition.elementName.toUpper());
+    const Node element = ruleElements.first(definition.elementName.toUpper());
     const QString text = MappingDocument::DocText(element);
     if (isTextNumber(str::Trim(text)))
         f.hostTextNumber = str::Trim(text);
@@ -79,7 +79,7 @@ ReportDump dumpOf(MappingDocument& doc, qint16 number, const QString& referenceT
     for (const GridRule& rule : rules) // the last rule for a row wins, as in the checks
         if (rule.row >= 0 && rule.row < byRow.size())
             byRow[rule.row] = rule.text;
-    const QHash<QString, Node> ruleElements = dumpNode.firstChildElementsByName();
+    const ChildrenByName ruleElements(dumpNode);
     for (int row = 0; row < fields.size(); ++row)
         dump.fields.append(fieldOf(row, fields[row], byRow[row], ruleElements));
     return dump;

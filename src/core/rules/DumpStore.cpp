@@ -34,12 +34,12 @@ QList<GridRule> RulesOfDump(MappingDocument& doc, qint16 number)
 {
     QList<GridRule> rules;
     const Node dump = doc.GetDumpNode(number);
-    const QHash<QString, Node> byName = dump.firstChildElementsByName();
+    const ChildrenByName byName(dump);
     for (Node c = dump.firstChildElement(); c; c = c.nextSiblingElement()) {
         // The text is looked up by the element's name in upper case, as the
         // dump's child texts always are: the first element of that name.
         if (const auto no = MappingDocument::ElementNo(c))
-            rules.append({*no - 1, MappingDocument::DisplayText(byName.value(c.name().toUpper()).text())});
+            rules.append({*no - 1, MappingDocument::DisplayText(byName.first(c.name().toUpper()).text())});
     }
     return rules;
 }
