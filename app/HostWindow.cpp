@@ -100,9 +100,8 @@ void HostWindow::createActions()
     m_revertAction->setObjectName(QStringLiteral("actionRevert"));
 
     fileMenu->addSeparator();
-    m_exportAction =
-        fileMenu->addAction(tr("&Export Specification..."), this, &HostWindow::exportSpecification);
-    m_exportAction->setObjectName(QStringLiteral("actionExportSpecification"));
+    m_exportAction = fileMenu->addAction(tr("&Export Mapping Report..."), this, &HostWindow::exportReport);
+    m_exportAction->setObjectName(QStringLiteral("actionExportReport"));
 
     fileMenu->addSeparator();
     QAction* quit = fileMenu->addAction(tr("&Quit"), this, &QWidget::close);
@@ -400,7 +399,7 @@ bool HostWindow::saveTo(const QString& path)
     return true;
 }
 
-bool HostWindow::exportSpecification()
+bool HostWindow::exportReport()
 {
     if (!m_control)
         return false;
@@ -410,8 +409,8 @@ bool HostWindow::exportSpecification()
                               tr("CSV for a spreadsheet (*.csv)")};
     const QString folder =
         m_document.path().isEmpty() ? QDir::homePath() : QFileInfo(m_document.path()).absolutePath();
-    QFileDialog dialog(this, tr("Export Specification"), suggestedPath(folder, QStringLiteral(".html")));
-    dialog.setObjectName(QStringLiteral("ExportSpecificationDialog"));
+    QFileDialog dialog(this, tr("Export Mapping Report"), suggestedPath(folder, QStringLiteral(".html")));
+    dialog.setObjectName(QStringLiteral("ExportReportDialog"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilters(filters);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
@@ -424,10 +423,10 @@ bool HostWindow::exportSpecification()
         format = formats.value(std::max(0, int(filters.indexOf(dialog.selectedNameFilter()))));
         path += u'.' + fb::ReportFileSuffix(*format);
     }
-    return exportSpecificationTo(path, *format);
+    return exportReportTo(path, *format);
 }
 
-bool HostWindow::exportSpecificationTo(const QString& path, fb::ReportFormat format)
+bool HostWindow::exportReportTo(const QString& path, fb::ReportFormat format)
 {
     if (!m_control)
         return false;
@@ -438,12 +437,12 @@ bool HostWindow::exportSpecificationTo(const QString& path, fb::ReportFormat for
     doc.SetTableName(doc.DocumentElement().name());
     QString error;
     if (!fb::WriteTextFile(path, fb::RenderReport(doc, format), &error)) {
-        QMessageBox::critical(this, tr("Export Specification"),
-                              tr("The mapping specification could not be written to %1: %2")
+        QMessageBox::critical(this, tr("Export Mapping Report"),
+                              tr("The mapping report could not be written to %1: %2")
                                   .arg(QDir::toNativeSeparators(path), error));
         return false;
     }
-    statusBar()->showMessage(tr("Specification written to %1").arg(QDir::toNativeSeparators(path)), 5000);
+    statusBar()->showMessage(tr("Mapping report written to %1").arg(QDir::toNativeSeparators(path)), 5000);
     return true;
 }
 

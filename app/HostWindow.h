@@ -35,12 +35,12 @@ public:
     bool save();
     bool saveAs();
     bool saveTo(const QString& path);
-    // File > Export Specification: asks for a file; its suffix chooses the
+    // File > Export Mapping Report: asks for a file; its suffix chooses the
     // format, else the chosen filter does and adds its suffix.
-    bool exportSpecification();
-    // The mapping specification of the document the control hands back,
+    bool exportReport();
+    // The mapping report of the document the control hands back,
     // written in one step; a failure is shown in a message box.
-    bool exportSpecificationTo(const QString& path, fb::ReportFormat format);
+    bool exportReportTo(const QString& path, fb::ReportFormat format);
 
     // Back to the document as loaded or last saved, in a fresh control,
     // once the user agrees to discard the changes.

@@ -327,7 +327,7 @@ private Q_SLOTS:
 
     // The report comes from the control's document, not from the file: a dump
     // the precondition names only in the control is in every format.
-    void exportWritesTheSpecification_data()
+    void exportWritesTheReport_data()
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<int>("filter"); // HTML, Markdown, CSV
@@ -335,12 +335,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("begins");
         QTest::newRow("the chosen filter adds its suffix")
             << u"signoff"_s << 0 << u"signoff.html"_s << u"<!DOCTYPE html>"_s;
-        QTest::newRow("markdown") << u"signoff"_s << 1 << u"signoff.md"_s
-                                  << u"# Mapping specification: klmno001"_s;
+        QTest::newRow("markdown") << u"signoff"_s << 1 << u"signoff.md"_s << u"# Mapping report: klmno001"_s;
         QTest::newRow("the suffix typed wins over the filter")
             << u"signoff.csv"_s << 0 << u"signoff.csv"_s << u"\uFEFFDump,"_s;
     }
-    void exportWritesTheSpecification()
+    void exportWritesTheReport()
     {
         QFETCH(QString, typed);
         QFETCH(int, filter);
@@ -358,7 +357,7 @@ private Q_SLOTS:
             QTest::keyClicks(name, m_dir->filePath(typed));
             static_cast<QDialog*>(dialog)->accept(); // QFileDialog::accept(), as the Save button does
         });
-        action("actionExportSpecification")->trigger();
+        action("actionExportReport")->trigger();
         QTRY_COMPARE(m_boxes->pending(), 0);
         QFile file(m_dir->filePath(written));
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -384,7 +383,7 @@ private Q_SLOTS:
             proposed = dialog->selectedFiles().value(0);
             dialog->reject();
         });
-        action("actionExportSpecification")->trigger();
+        action("actionExportReport")->trigger();
         QTRY_COMPARE(m_boxes->pending(), 0);
         QCOMPARE(proposed, m_dir->path() + u"/bcdefgh.html"_s);
     }
@@ -392,7 +391,7 @@ private Q_SLOTS:
     void exportFailureIsShown()
     {
         m_boxes->expect(ModalAnswerer::press(QMessageBox::Ok));
-        QVERIFY(!m_window->exportSpecificationTo(m_path + u"/signoff.html"_s, fb::ReportFormat::Html));
+        QVERIFY(!m_window->exportReportTo(m_path + u"/signoff.html"_s, fb::ReportFormat::Html));
         QTRY_COMPARE(m_boxes->pending(), 0);
         QCOMPARE(m_boxes->records().value(0).icon, QMessageBox::Critical);
         QVERIFY(m_boxes->records().value(0).text.contains(m_path));

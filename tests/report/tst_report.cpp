@@ -1,4 +1,4 @@
-// The mapping specification in each format, read back by a reader of that
+// The mapping report in each format, read back by a reader of that
 // format: what a customer reads must be what the document holds, whatever
 // characters the names, rules and texts carry. And the listing of the checks.
 

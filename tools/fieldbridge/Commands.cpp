@@ -7,7 +7,7 @@ const QList<Command>& Commands()
     static const QList<Command> commands{
         {"check", "The problems of the mapping; exit 1 when one is an error", &RunCheck},
         {"suggest", "Source fields for the target fields of each dump, ranked, as JSON", &RunSuggest},
-        {"report", "The mapping specification as HTML, Markdown or CSV", &RunReport},
+        {"report", "The mapping report as HTML, Markdown or CSV", &RunReport},
     };
     return commands;
 }

@@ -1,5 +1,5 @@
 // fieldbridge report FILE --format html|md|csv [-o OUT]: the mapping
-// specification to sign off, the same document the host exports.
+// report to sign off, the same document the host exports.
 #include "Command.h"
 #include "MappingInput.h"
 #include "core/document/MappingDocument.h"
@@ -18,7 +18,7 @@ namespace {
 const char* const kHelp =
     "Usage: fieldbridge report FILE --format html|md|csv [-o OUT]\n"
     "\n"
-    "The mapping specification of the mapping object FILE: an overview of all dumps with their\n"
+    "The mapping report of the mapping object FILE: an overview of all dumps with their\n"
     "target tables and coverage, then per dump every target field with its number, name, type\n"
     "and length, mandatory mark, rule, the source fields the rule uses, its documentation and\n"
     "its open problems. HTML is one self-contained printable file; CSV (UTF-8 with a byte-order\n"

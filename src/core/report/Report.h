@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <optional>
 
-// The mapping specification of a mapping object: what a customer signs off
+// The mapping report of a mapping object: what a customer signs off
 // before a migration runs. Per referenced dump its target table and
 // coverage, per target field its number, name, type, mandatory mark, rule,
 // the source fields the rule uses, its documentation and its open problems.

@@ -150,7 +150,7 @@ void header(QString& out, const MappingReport& report)
         (p.severity == Severity::Error ? errors : warnings) += 1;
     const QString sources = report.sourceTables.isEmpty() ? QStringLiteral("None")
                                                           : report.sourceTables.join(QStringLiteral(", "));
-    out += QStringLiteral("<header class=\"doc\"><p class=\"kicker\">Mapping specification</p><h1>") +
+    out += QStringLiteral("<header class=\"doc\"><p class=\"kicker\">Mapping report</p><h1>") +
            esc(report.table) + QStringLiteral("</h1><dl class=\"facts\">");
     const auto fact = [&out](const QString& term, const QString& value) {
         out += QStringLiteral("<div><dt>") + term + QStringLiteral("</dt><dd>") + esc(value) +
@@ -260,14 +260,14 @@ QString RenderHtml(const MappingReport& report)
                           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
                           "style-src 'unsafe-inline'\"/>"
                           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>"
-                          "<title>Mapping specification \u2013 ");
+                          "<title>Mapping report \u2013 ");
     out += esc(report.table) + QStringLiteral("</title><style>") + QString::fromUtf8(kStyle) +
            QStringLiteral("</style></head>\n<body>\n");
     header(out, report);
     overview(out, report);
     for (const ReportDump& d : report.dumps)
         dumpSection(out, d);
-    out += QStringLiteral("<footer>Mapping specification of ") + esc(report.table) +
+    out += QStringLiteral("<footer>Mapping report of ") + esc(report.table) +
            QStringLiteral(", written by Fieldbridge.</footer>\n</body></html>\n");
     return out;
 }

@@ -55,8 +55,7 @@ QString coverageCell(const Coverage& c)
 
 QString RenderMarkdown(const MappingReport& report)
 {
-    QString out =
-        QStringLiteral("# Mapping specification: ") + md(report.table, false) + QStringLiteral("\n\n");
+    QString out = QStringLiteral("# Mapping report: ") + md(report.table, false) + QStringLiteral("\n\n");
     out += QStringLiteral("Source tables: ") +
            md(report.sourceTables.isEmpty() ? QStringLiteral("None")
                                             : report.sourceTables.join(QStringLiteral(", ")),
