@@ -3,6 +3,7 @@
 
 #include "CoreTestSupport.h"
 #include "core/rules/Checks.h"
+#include "core/rules/SuggestDocument.h"
 
 using namespace fbtest;
 
@@ -169,6 +170,37 @@ private Q_SLOTS:
         QCOMPARE(messages(fb::CheckSections(doc)), problems);
         QCOMPARE(doc.Serialize(), before);                     // looking creates no element
         QCOMPARE(doc.MigrateTables(), QStringList{u"kept"_s}); // the session's lists stay as they were
+    }
+
+    // The dumps that the checks, the report and the suggestions cover are the
+    // ones the dump selector offers.
+    void coveredDumps_data()
+    {
+        QTest::addColumn<QString>("content");
+        QTest::addColumn<QList<qint16>>("numbers");
+        QTest::newRow("referenced, in document order")
+            << u"<PREC>dump 2 y dump 1 x</PREC><DUMP No=\"1\"/><DUMP No=\"2\"/>"_s << QList<qint16>{1, 2};
+        QTest::newRow("an element twice counts once")
+            << u"<PREC>dump 1 x</PREC><DUMP No=\"1\"/><DUMP No=\"1\"/>"_s << QList<qint16>{1};
+        QTest::newRow("unreferenced")
+            << u"<PREC>dump 1 x</PREC><DUMP No=\"1\"/><DUMP No=\"7\"/>"_s << QList<qint16>{1};
+        QTest::newRow("no reference: 0 stands for none")
+            << u"<PREC>none</PREC><DUMP No=\"0\"><CODE No=\"1\">srcaa001.code</CODE></DUMP>"_s
+            << QList<qint16>{};
+        QTest::newRow("1000 is no reference")
+            << u"<PREC>dump 1000 x</PREC><DUMP No=\"1000\"/>"_s << QList<qint16>{};
+    }
+    void coveredDumps()
+    {
+        QFETCH(QString, content);
+        QFETCH(QList<qint16>, numbers);
+        fb::MappingDocument doc;
+        QVERIFY(load(doc, wrapped(content + kTables)));
+        QCOMPARE(fb::CheckedDumps(doc), numbers);
+        QList<qint16> suggested;
+        for (const fb::DumpTargetFields& d : fb::DumpTargets(doc))
+            suggested.append(d.dump);
+        QCOMPARE(suggested, numbers);
     }
 
     void coverage_data()

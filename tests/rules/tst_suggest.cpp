@@ -501,6 +501,7 @@ private Q_SLOTS:
 private:
     static inline const QString kDocument = uR"(<abcde001>
   <SRCTBL>srcaa001,srcbb002</SRCTBL>
+  <PREC>dump 2 b dump 1 a dump 3 c</PREC>
   <DUMP No="2" TT="taryy002"/>
   <DUMP No="1" TT="tarxx001"/>
   <DUMP No="3" TT="tarzz003"/>

@@ -18,6 +18,7 @@ namespace {
 
 const char* const kMapping = R"(<abcde001>
   <SRCTBL>srcaa001,srcbb002</SRCTBL>
+  <PREC>dump 2 b dump 1 a</PREC>
   <DUMP No="2" TT="taryy002"/>
   <DUMP No="1" TT="tarxx001"/>
   <MSCRIPT><tarxx001/><taryy002/></MSCRIPT>

@@ -129,9 +129,9 @@ int RunSuggest(const QStringList& arguments)
     options.top = top;
     const fb::DocumentSuggestions suggestions = fb::SuggestForDocument(doc, qint16(dump), options);
     if (dump != 0 && suggestions.dumps.isEmpty()) {
-        PrintError(
-            command,
-            QStringLiteral("%1 has no dump %2").arg(parser.positionalArguments().constFirst()).arg(dump));
+        PrintError(command, QStringLiteral("%1 has no dump %2 that a script references")
+                                .arg(parser.positionalArguments().constFirst())
+                                .arg(dump));
         return Failure;
     }
     PrintOut(suggestionsJson(suggestions));

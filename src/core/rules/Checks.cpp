@@ -311,7 +311,10 @@ QList<qint16> CheckedDumps(MappingDocument& doc)
     QSet<qint16> seen;
     for (const Node& dump : doc.DumpNodes()) {
         const std::optional<qint16> no = MappingDocument::ElementNo(dump);
-        if (no && doc.ReferencedDumps().contains(*no) && !seen.contains(*no)) {
+        // A list without references holds a single 0, which stands for none:
+        // a DUMP numbered 0 then survives a read, but it is no dump the
+        // selector offers.
+        if (no && *no > 0 && doc.ReferencedDumps().contains(*no) && !seen.contains(*no)) {
             seen.insert(*no);
             numbers.append(*no);
         }

@@ -75,8 +75,9 @@ QList<Problem> CheckStoredDump(MappingDocument& doc, qint16 dump, const SourceCa
 // Dumps holding rules that no script references, and queries holding text
 // for tables no longer migrated: the document's references as last scanned.
 QList<Problem> CheckSections(MappingDocument& doc);
-// The dumps whose rules the checks look at: those the scripts reference
-// that the document holds, each once, in document order.
+// The dumps whose rules the checks look at, as the dump selector offers
+// them: those numbered 1 to 999 that the scripts reference and the document
+// holds, each once, in document order.
 QList<qint16> CheckedDumps(MappingDocument& doc);
 // Every check over the whole document: the sections, then every referenced
 // dump in document order.

@@ -3,6 +3,7 @@
 #include "core/document/FieldDefinition.h"
 #include "core/document/FieldNames.h"
 #include "core/document/MappingDocument.h"
+#include "core/rules/Checks.h"
 
 #include <QHash>
 #include <QSet>
@@ -62,12 +63,14 @@ void setKeyShares(const QList<SuggestField>& all, QList<DumpTargetFields>& dumps
 QList<DumpTargetFields> dumpTargets(MappingDocument& doc, qint16 dumpFilter, const QList<SuggestField>& all)
 {
     QList<DumpTargetFields> out;
-    for (const Node& dump : doc.DumpNodes()) {
-        const std::optional<qint16> number = MappingDocument::ElementNo(dump);
-        if (!number || *number <= 0 || (dumpFilter != 0 && *number != dumpFilter))
+    // The dumps the control offers and the checks and the report cover: a
+    // dump no script references is gone after the next read.
+    for (const qint16 number : CheckedDumps(doc)) {
+        if (dumpFilter != 0 && number != dumpFilter)
             continue;
+        const Node dump = doc.GetDumpNode(number);
         DumpTargetFields d;
-        d.dump = *number;
+        d.dump = number;
         if (const Node table = doc.GetTargetTableNode(d.dump)) {
             d.targetTable = table.name().toLower();
             d.fields = fieldsOf(table);

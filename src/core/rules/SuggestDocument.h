@@ -22,9 +22,10 @@ struct DumpTargetFields {
     QList<SuggestField> fields;
 };
 
-// The dumps in document order, each with the fields of its target table (the
-// table the dump is bound to, or the document's own table when it has a single target); dumps
-// whose number is not a positive whole number are left out. dumpFilter 0
+// The dumps the checks cover (CheckedDumps: referenced, numbered 1 to 999,
+// each once, in document order), each with the fields of its target table
+// (the table the dump is bound to, or the document's own table when it has a
+// single target). dumpFilter 0
 // gives all, another number that dump alone. The document's table name must
 // be set.
 QList<DumpTargetFields> DumpTargets(MappingDocument& doc, qint16 dumpFilter = 0);
