@@ -50,6 +50,8 @@ private Q_SLOTS:
         QTest::newRow("bare ampersand") << wrapped(u"<PREC>a & b</PREC>"_s);
         QTest::newRow("reference to U+0000") << wrapped(u"<PREC>x&#0;y</PREC>"_s);
         QTest::newRow("reference with a bad digit") << wrapped(u"<PREC>&#x12g;</PREC>"_s);
+        QTest::newRow("reference beyond U+10FFFF") << wrapped(u"<PREC>&#x0110000;</PREC>"_s);
+        QTest::newRow("reference that overflows") << wrapped(u"<PREC>&#x100000041;</PREC>"_s);
         QTest::newRow("< in an attribute value") << wrapped(u"<PREC TEXT=\"a<b\"/>"_s);
         QTest::newRow("& alone in an attribute value") << wrapped(u"<PREC TEXT=\"a&b\"/>"_s);
         QTest::newRow("]]> in text") << wrapped(u"<PREC>a]]>b</PREC>"_s);
@@ -86,6 +88,8 @@ private Q_SLOTS:
         QTest::newRow("the five entities and character references")
             << wrapped(u"<PREC TEXT=\"&lt;&#10;&#x263A;&apos;\">&lt;&gt;&amp;&quot;&apos;&#65;</PREC>"_s)
             << u"<>&\"'A"_s << u"<\n\u263A'"_s;
+        QTest::newRow("character references with leading zeros")
+            << wrapped(u"<PREC TEXT=\"&#x000000000263A;\">&#00000000065;</PREC>"_s) << u"A"_s << u"\u263A"_s;
         QTest::newRow("markup characters in comments, instructions and CDATA")
             << wrapped(u"<!-- a & b < c --><?pi a & b?><PREC>x<![CDATA[ & y ]] < z]]>]</PREC>"_s)
             << u"x & y ]] < z]"_s << QString();

@@ -163,7 +163,12 @@ private:
             char32_t value = 0;
             const bool hex = name.size() > 1 && name[1] == u'x';
             const QStringView digits = name.mid(hex ? 2 : 1);
-            ok = !digits.isEmpty() && digits.size() <= 8;
+            // Leading zeros are allowed in any number; eight digits after
+            // them hold every character and cannot overflow the value.
+            qsizetype zeros = 0;
+            while (zeros < digits.size() && digits[zeros] == u'0')
+                ++zeros;
+            ok = !digits.isEmpty() && digits.size() - zeros <= 8;
             for (QChar d : digits) {
                 const int v = hex ? (d.isDigit()                ? d.unicode() - u'0'
                                      : (d >= u'a' && d <= u'f') ? d.unicode() - u'a' + 10
