@@ -134,6 +134,17 @@ private Q_SLOTS:
         QCOMPARE(p.exitCode(), 1);
         QVERIFY(p.readAllStandardError().contains("cannot write to standard output"));
     }
+    // A file name in another encoding than UTF-8 cannot be passed on
+    // unchanged: it is refused as such, not reported missing.
+    void fileNameThatIsNotUtf8()
+    {
+        QProcess p;
+        p.start(u"/bin/sh"_s, {u"-c"_s, u"exec \"$0\" check \"$(printf 'caf\\351.xml')\""_s,
+                               QStringLiteral(FIELDBRIDGE_TOOL)});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 2);
+        QVERIFY(p.readAllStandardError().contains("argument 2 is not valid UTF-8"));
+    }
     void outIntoAPipe()
     {
         const QString fifo = path(u"pipe"_s);

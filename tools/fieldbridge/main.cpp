@@ -87,6 +87,18 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("fieldbridge"));
+    // Arguments are read as UTF-8: a file name in another encoding would be
+    // changed on the way in, and then name a file that does not exist.
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray raw(argv[i]);
+        if (QString::fromUtf8(raw).toUtf8() != raw) {
+            fbtool::PrintError({},
+                               QStringLiteral("argument %1 is not valid UTF-8 (file names must be UTF-8): %2")
+                                   .arg(i)
+                                   .arg(QString::fromUtf8(raw)));
+            return fbtool::Unreadable;
+        }
+    }
     const QStringList args = QCoreApplication::arguments().mid(1);
     const QString first = args.value(0);
     if (first == u"-h" || first == u"--help" || (first == u"help" && args.size() == 1)) {
