@@ -6,6 +6,7 @@
 #include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -43,10 +44,10 @@ FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, d
     setModal(true);
     resize(1000, 600);
 
-    auto* intro =
-        new QLabel(QStringLiteral("Tick the suggestions to take; a double-click on another candidate takes "
-                                  "it instead. Fields that have a rule are never ticked for you."),
-                   this);
+    auto* intro = new QLabel(
+        QStringLiteral("Tick the suggestions to take; a double-click or Enter on another "
+                       "candidate takes it instead. Fields that have a rule are never ticked for you."),
+        this);
     intro->setWordWrap(true);
     m_threshold = MakeChild<QDoubleSpinBox>(this, QStringLiteral("spnThreshold"));
     m_threshold->setRange(0.05, 1.0);
@@ -88,6 +89,7 @@ FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, d
     m_list->header()->resizeSection(Source, 220);
     m_list->header()->resizeSection(Score, 50);
     connect(m_list, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) { take(item); });
+    m_list->installEventFilter(this);
     connect(m_list, &QTreeWidget::itemChanged, this, &FrmSuggest::showCount);
     connect(m_threshold, &QDoubleSpinBox::valueChanged, this, &FrmSuggest::tickFromThreshold);
 
@@ -108,6 +110,22 @@ FrmSuggest::FrmSuggest(const QString& title, const QList<SuggestionRow>& rows, d
     layout->addWidget(m_list);
     layout->addWidget(buttons);
     tickFromThreshold();
+}
+
+// Enter on a candidate takes it, as a double-click does. The list would
+// pass the key on after taking it, and the dialog's default button would
+// then write every ticked rule: the key ends here.
+bool FrmSuggest::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_list && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        QTreeWidgetItem* current = m_list->currentItem();
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && current && current->parent()) {
+            take(current);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void FrmSuggest::tickFromThreshold()

@@ -13,8 +13,8 @@ namespace fb {
 
 // The review of suggestions for one dump: a row per target field with its
 // rule now, the candidate taken for it (its score and why) and a tick to
-// accept it; the other candidates below each row, a double-click taking
-// one instead. Rows whose best candidate reaches the threshold and that have
+// accept it; the other candidates below each row, a double-click or Enter
+// taking one instead. Rows whose best candidate reaches the threshold and that have
 // no rule come ticked; changing the threshold ticks them anew.
 class FrmSuggest : public QDialog {
     Q_OBJECT
@@ -23,6 +23,9 @@ public:
 
     // The ticked rows with the candidate each has taken.
     QList<AcceptedSuggestion> accepted() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void tickFromThreshold();

@@ -155,6 +155,20 @@ private Q_SLOTS:
             QTreeWidgetItem* other = born->child(born->childCount() - 1);
             QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(other).center());
             QCOMPARE(born->text(2), other->text(2));
+            // Enter on a candidate takes it and leaves the dialog open.
+            QTreeWidgetItem* two = nullptr;
+            for (int i = 0; i < list->topLevelItemCount() && !two; ++i)
+                if (list->topLevelItem(i)->childCount() >= 2)
+                    two = list->topLevelItem(i);
+            QVERIFY(two);
+            two->setExpanded(true);
+            list->setFocus();
+            list->setCurrentItem(two->child(0));
+            QTest::keyClick(list, Qt::Key_Down);
+            QTest::keyClick(list, Qt::Key_Return);
+            QVERIFY(dialog->isVisible());
+            QCOMPARE(two->text(2), two->child(1)->text(2));
+            QCOMPARE(two->checkState(0), Qt::Checked);
             auto* buttons = dialog->findChild<QDialogButtonBox*>(u"buttons"_s);
             QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
         });
