@@ -26,8 +26,9 @@ QString rulesDocument()
 // held out of number order, the first with markup in its text; a
 // documentation text with markup, a quote, a comma and a line break; a
 // host's text number; a rule of markup and Markdown; a field whose name is
-// not Latin; an unreferenced dump and a query whose table name holds a tab
-// and a line break.
+// not Latin and holds a letter without a single upper-case partner (ß); an
+// unreferenced dump and a query whose table name holds a tab and a line
+// break.
 const QString kDumpText = uR"(Fïrst <b>& "quoted" | 'x', 名前 ##)"_s;
 const QString kDoc = u"Signed: <i>Ann</i> & Bo | \"ok\", x\nsecond line"_s;
 const QString kRule = uR"(srcaa001.zip & "<a href='x'>|</a>, \*_[]~$`")"_s;
@@ -45,8 +46,9 @@ QString hostileDocument(const QString& zipRule = kRule)
     xml.replace(u">srcaa001.zip<"_s, u'>' + zipRule.toHtmlEscaped() + u'<');
     xml.replace(u"ADJU=\"L\""_s, u"DSCA=\"Name, &lt;first&gt; &amp; &quot;last&quot;\""_s);
     xml.replace(u"</RULES001></TARTAB>"_s,
-                u"<ÜBER名 No=\"11\" FNo=\"10\" TYPE=\"S\" LENG=\"40\"/></RULES001></TARTAB>"_s);
-    xml.replace(u"</DUMP>\n<DUMP No=\"2\""_s, u"<ÜBER名 No=\"11\">\"€ 😀\"</ÜBER名></DUMP>\n<DUMP No=\"2\""_s);
+                u"<ÜBERß名 No=\"11\" FNo=\"10\" TYPE=\"S\" LENG=\"40\"/></RULES001></TARTAB>"_s);
+    xml.replace(u"</DUMP>\n<DUMP No=\"2\""_s,
+                u"<ÜBERß名 No=\"11\" TEXT=\"ß\">\"€ 😀\"</ÜBERß名></DUMP>\n<DUMP No=\"2\""_s);
     xml.replace(u"<TARTAB>"_s,
                 u"<DUMP No=\"7\"><ZIP No=\"10\">x</ZIP></DUMP><QUERY ST=\"ab&#9;c&#10;d&quot;e\">"
                 u"select</QUERY><TARTAB>"_s);
@@ -264,8 +266,8 @@ private Q_SLOTS:
               u"srcaa001.zip"_s, QString(), QString()}},
             {1,
              10,
-             {u"010"_s, u"rules001.über名"_s, QString(), u"String"_s, u"40"_s, QString(), u"\"€ 😀\""_s,
-              QString(), QString(), QString()}},
+             {u"010"_s, u"rules001.überß名"_s, QString(), u"String"_s, u"40"_s, QString(), u"\"€ 😀\""_s,
+              QString(), u"ß"_s, QString()}},
             {2,
              0,
              {u"001"_s, u"rules001.custno"_s, u"Customer number"_s, u"Long"_s, u"8"_s, u"Yes"_s, QString(),

@@ -186,7 +186,7 @@ QStringList MappingDocument::MscriptTables()
 
 Node MappingDocument::GetSourceTableNode(const QString& table)
 {
-    return GetNode(SectionPath(QStringLiteral("SRCTAB/")) + table.toUpper());
+    return GetNode(SectionPath(QStringLiteral("SRCTAB/")) + str::Upper(table));
 }
 
 QList<Node> MappingDocument::ListedSourceTables()
@@ -205,7 +205,7 @@ QList<Node> MappingDocument::ListedSourceTables()
 
 Node MappingDocument::GetTargetTableDefinition(const QString& table)
 {
-    return GetNode(SectionPath(QStringLiteral("TARTAB/")) + table.toUpper());
+    return GetNode(SectionPath(QStringLiteral("TARTAB/")) + str::Upper(table));
 }
 
 // ---- dumps ----------------------------------------------------------------
@@ -231,7 +231,7 @@ QString MappingDocument::GetDumpChildText(qint16 number, const QString& name)
 {
     const Node dump = GetDumpNode(number);
     if (dump)
-        return dump.childElement(name.toUpper()).text();
+        return dump.childElement(str::Upper(name)).text();
     if (number > 0)
         CreateDumpNode(number);
     return QString();
@@ -421,7 +421,7 @@ void MappingDocument::SetRuleTextNumber(qint32 number, qint16 dump, const QStrin
     const Node dumpNode = GetDumpNode(dump);
     if (!dumpNode)
         return;
-    const QString name = ToStoredFieldName(field).toUpper();
+    const QString name = str::Upper(ToStoredFieldName(field));
     Node rule = dumpNode.childElement(name);
     if (!rule)
         rule = AppendChildElement(dumpNode, name);

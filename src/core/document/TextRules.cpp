@@ -206,4 +206,25 @@ QString TwoDigits(qint64 number)
     return QString::number(number);
 }
 
+QString Upper(const QString& text)
+{
+    QString out = text;
+    char16_t* d = reinterpret_cast<char16_t*>(out.data());
+    for (qsizetype i = 0; i < out.size(); ++i) {
+        if (QChar::isHighSurrogate(d[i]) && i + 1 < out.size() && QChar::isLowSurrogate(d[i + 1])) {
+            const char32_t upper = QChar::toUpper(QChar::surrogateToUcs4(d[i], d[i + 1]));
+            if (QChar::requiresSurrogates(upper)) {
+                d[i] = QChar::highSurrogate(upper);
+                d[i + 1] = QChar::lowSurrogate(upper);
+            }
+            ++i;
+        } else {
+            const char32_t upper = QChar::toUpper(char32_t(d[i]));
+            if (!QChar::requiresSurrogates(upper))
+                d[i] = char16_t(upper);
+        }
+    }
+    return out;
+}
+
 } // namespace fb::str

@@ -51,4 +51,9 @@ QString SignPadded(qint64 number);
 // Format "00": at least two digits.
 QString TwoDigits(qint64 number);
 
+// Upper case character by character, as element names are compared: a
+// character without a single upper-case partner stays as it is ("ß" is not
+// "SS"), so a name keeps its length and finds the element it was made from.
+QString Upper(const QString& text);
+
 } // namespace fb::str

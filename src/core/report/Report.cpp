@@ -54,7 +54,7 @@ ReportField fieldOf(int row, const TargetField& target, const QString& storedRul
     f.sources = sourcesOf(f.rule);
     // The documentation belongs to the element named like the field, as
     // the dump's text command finds it.
-    const Node element = ruleElements.first(definition.elementName.toUpper());
+    const Node element = ruleElements.first(str::Upper(definition.elementName));
     const QString text = MappingDocument::DocText(element);
     if (isTextNumber(str::Trim(text)))
         f.hostTextNumber = str::Trim(text);

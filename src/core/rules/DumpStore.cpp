@@ -1,5 +1,7 @@
 #include "DumpStore.h"
 
+#include "core/document/TextRules.h"
+
 namespace fb {
 
 void StoreRules(MappingDocument& doc, const Node& dump, const Node& targetTable, int rowCount,
@@ -39,7 +41,7 @@ QList<GridRule> RulesOfDump(MappingDocument& doc, qint16 number)
         // The text is looked up by the element's name in upper case, as the
         // dump's child texts always are: the first element of that name.
         if (const auto no = MappingDocument::ElementNo(c))
-            rules.append({*no - 1, MappingDocument::DisplayText(byName.first(c.name().toUpper()).text())});
+            rules.append({*no - 1, MappingDocument::DisplayText(byName.first(str::Upper(c.name())).text())});
     }
     return rules;
 }

@@ -343,7 +343,7 @@ void MappingSession::clickCmdCopyDump()
         m_doc.SetDumpTargetTable(to, sourceTable);
         targetTable = sourceTable;
     }
-    if (targetTable.toUpper() != sourceTable.toUpper()) {
+    if (str::Upper(targetTable) != str::Upper(sourceTable)) {
         m_ui.MsgBox(QStringLiteral("Dump ") + answer + QStringLiteral("  is associated with table: ") +
                         sourceTable + QStringLiteral(". So it is not possible to copy rules."),
                     MsgButtons::Ok, MsgIcon::Exclamation, QStringLiteral("Copying Dumps "));
@@ -383,7 +383,7 @@ void MappingSession::clickCmdChange()
     m_dialogOpen = false;
     const QString present = m_targetTableName;
     change.setDetail(chosen);
-    if (present.toUpper() != chosen.toUpper()) {
+    if (str::Upper(present) != str::Upper(chosen)) {
         if (DumpHasRules(m_doc.GetDumpNode(number))) {
             const QString n = str::SignPadded(number);
             const QString question = QStringLiteral("You are changing the association of dump") + n +
@@ -414,7 +414,7 @@ Node MappingSession::CurrentRuleElement(QString* fieldLabel)
         *fieldLabel = label;
     if (label.isEmpty())
         return Node();
-    return dump.childElement(ToStoredFieldName(label).toUpper());
+    return dump.childElement(str::Upper(ToStoredFieldName(label)));
 }
 
 void MappingSession::clickCmdDumpText()
