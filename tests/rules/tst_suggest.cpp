@@ -57,6 +57,28 @@ QString best(const SuggestionEngine& engine, const QList<fb::SuggestedSource>& l
     return engine.sources()[list[0].source].name;
 }
 
+// Source and target fields of names from a small word stock, many of them
+// alike, spread over tables: ties abound.
+std::pair<QList<SuggestField>, QList<SuggestField>> tieRichFields(unsigned seed, int tables, int sourceCount,
+                                                                  int targetCount)
+{
+    std::mt19937 rng(seed);
+    const QStringList stock = u"cust customer no number order ord date dt qty quantity amount amt item itm "
+                              u"type code name desc status line 1 2 of warehouse whs"_s.split(u' ');
+    const auto name = [&] {
+        QStringList parts;
+        for (unsigned n = rng() % 3 + 1; n > 0; --n)
+            parts.append(stock[qsizetype(rng() % unsigned(stock.size()))]);
+        return parts.join(u'_');
+    };
+    QList<SuggestField> sources, targets;
+    for (int i = 0; i < sourceCount; ++i)
+        sources.append(field(u"srctab%1"_s.arg(i % tables + 1, 2, 10, QChar(u'0')), name()));
+    for (int i = 0; i < targetCount; ++i)
+        targets.append(field(u"tartab01"_s, name()));
+    return {sources, targets};
+}
+
 SuggestField typed(char type, int length = 0, int decimals = 0)
 {
     SuggestField f = field(u"srctab01"_s, u"f"_s, type, length);
@@ -425,22 +447,7 @@ private Q_SLOTS:
 
     void hashSeedsDoNotChangeTheAnswer()
     {
-        // Names from a small word stock, many of them alike, so that ties abound.
-        std::mt19937 rng(4711);
-        const QStringList stock =
-            u"cust customer no number order ord date dt qty quantity amount amt item itm "
-            u"type code name desc status line 1 2 of warehouse whs"_s.split(u' ');
-        const auto name = [&] {
-            QStringList parts;
-            for (unsigned n = rng() % 3 + 1; n > 0; --n)
-                parts.append(stock[qsizetype(rng() % unsigned(stock.size()))]);
-            return parts.join(u'_');
-        };
-        QList<SuggestField> sources, targets;
-        for (int i = 0; i < 300; ++i)
-            sources.append(field(i % 2 ? u"srctab01"_s : u"srctab02"_s, name()));
-        for (int i = 0; i < 60; ++i)
-            targets.append(field(u"tartab01"_s, name()));
+        const auto [sources, targets] = tieRichFields(4711, 2, 300, 60);
         const auto run = [&] {
             const SuggestionEngine engine(sources);
             QStringList out;
@@ -454,6 +461,31 @@ private Q_SLOTS:
         const QStringList first = run();
         QHashSeed::resetRandomGlobalSeed();
         QCOMPARE(run(), first);
+    }
+
+    // The tool shows three candidates, the review dialog five: both must
+    // put the same sources first, in the same order.
+    void theFirstCandidatesDoNotDependOnHowManyAreShown()
+    {
+        const auto [sources, targets] = tieRichFields(20261123, 6, 900, 120);
+        const SuggestionEngine engine(sources);
+        const auto firstOf = [&](int top, int n) {
+            fb::SuggestOptions options;
+            options.top = top;
+            QStringList out;
+            for (const auto& list : engine.Suggest(targets, options)) {
+                QStringList firsts;
+                for (const fb::SuggestedSource& c : list.mid(0, n))
+                    firsts.append(
+                        u"%1 %2 %3"_s.arg(c.source).arg(c.score, 0, 'g', 17).arg(c.reasons.join(u'|')));
+                out.append(firsts.join(u", "_s));
+            }
+            return out;
+        };
+        const QStringList three = firstOf(3, 3);
+        QCOMPARE(firstOf(1, 1), firstOf(3, 1));
+        for (const int top : {4, 5, 10, 0})
+            QCOMPARE(firstOf(top, 3), three);
     }
 
     // ---- a whole mapping object ------------------------------------------

@@ -16,6 +16,10 @@ constexpr double kAccept = 0.5;                   // the score from which a cand
 constexpr double kAffinity = 0.5;                 // how much a well-matching source table lifts its fields
 constexpr double kMaxLift = kAffinity / 4 + 1e-9; // the most a lift adds: kAffinity * s * (1 - s) at s = 0.5
 constexpr double kDemoted = 0.6;                  // a source taken by a better-fitting target field
+// The candidates of each target field that the table lift and the one-to-one
+// pass weigh, however many are shown: what comes first must not depend on
+// how many candidates are asked for.
+constexpr size_t kWeighed = 13;
 
 QString joinSpan(const QList<NameWord>& words, int from, int to, QChar sep)
 {
@@ -87,14 +91,22 @@ bool byScore(const Scored& a, const Scored& b)
     return a.affinity != b.affinity ? a.affinity > b.affinity : a.source < b.source;
 }
 
+// One target field's candidates: those weighed for the ranking, then
+// further ones that are only shown.
+struct Pool {
+    std::vector<Scored> weighed;
+    std::vector<Scored> shown;
+};
+
 // Source tables that match the dump well lift their fields a little: the
 // fields of one target table tend to come from the same source tables.
-void liftByTable(std::vector<std::vector<Scored>>& pools, const std::vector<int>& tableOf, int tableCount)
+void liftByTable(std::vector<Pool>& pools, const std::vector<int>& tableOf, int tableCount)
 {
     if (tableCount < 2)
         return;
     std::vector<double> affinity(size_t(tableCount), 0.0);
-    for (const std::vector<Scored>& pool : pools) {
+    for (const Pool& p : pools) {
+        const std::vector<Scored>& pool = p.weighed;
         std::vector<double> best(size_t(tableCount), 0.0);
         for (const Scored& sc : pool) {
             double& b = best[size_t(tableOf[size_t(sc.source)])];
@@ -107,17 +119,18 @@ void liftByTable(std::vector<std::vector<Scored>>& pools, const std::vector<int>
     const double top = *std::max_element(affinity.cbegin(), affinity.cend());
     if (top <= 0)
         return;
-    for (std::vector<Scored>& pool : pools)
-        for (Scored& sc : pool) {
-            const double a = affinity[size_t(tableOf[size_t(sc.source)])] / top;
-            // A lift reorders; it never makes a lead acceptable: below the
-            // acceptance score it shrinks to nothing there, and it keeps the
-            // order of the scores.
-            const double lift = kAffinity * a * sc.score * (1 - sc.score);
-            sc.score += sc.score < kAccept ? lift * (1 - sc.score / kAccept) : lift;
-            sc.affinity = a;
-            sc.tableFits = a == 1.0;
-        }
+    for (Pool& p : pools)
+        for (std::vector<Scored>* pool : {&p.weighed, &p.shown})
+            for (Scored& sc : *pool) {
+                const double a = affinity[size_t(tableOf[size_t(sc.source)])] / top;
+                // A lift reorders; it never makes a lead acceptable: below the
+                // acceptance score it shrinks to nothing there, and it keeps the
+                // order of the scores.
+                const double lift = kAffinity * a * sc.score * (1 - sc.score);
+                sc.score += sc.score < kAccept ? lift * (1 - sc.score / kAccept) : lift;
+                sc.affinity = a;
+                sc.tableFits = a == 1.0;
+            }
 }
 
 // One source for one target field: by falling score, a target field takes
@@ -125,7 +138,7 @@ void liftByTable(std::vector<std::vector<Scored>>& pools, const std::vector<int>
 // field whose best sources went to others starts with its best remaining
 // one; the taken sources follow it, their scores capped by its score so
 // that scores keep falling. Taken sources alone stay, weakened.
-void assignOneToOne(std::vector<std::vector<Scored>>& pools, int sourceCount, double minScore)
+void assignOneToOne(std::vector<Pool>& pools, int sourceCount, double minScore)
 {
     struct Entry {
         double score;
@@ -135,9 +148,9 @@ void assignOneToOne(std::vector<std::vector<Scored>>& pools, int sourceCount, do
     std::vector<Entry> entries;
     const int nt = int(pools.size());
     for (int k = 0; k < nt; ++k)
-        for (int p = 0; p < int(pools[size_t(k)].size()); ++p)
-            if (pools[size_t(k)][size_t(p)].score >= minScore)
-                entries.push_back({pools[size_t(k)][size_t(p)].score, k, p});
+        for (int p = 0; p < int(pools[size_t(k)].weighed.size()); ++p)
+            if (pools[size_t(k)].weighed[size_t(p)].score >= minScore)
+                entries.push_back({pools[size_t(k)].weighed[size_t(p)].score, k, p});
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         if (a.score != b.score)
             return a.score > b.score;
@@ -146,34 +159,37 @@ void assignOneToOne(std::vector<std::vector<Scored>>& pools, int sourceCount, do
     std::vector<int> owner(size_t(sourceCount), -1);
     std::vector<char> served(size_t(nt), 0);
     for (const Entry& e : entries) {
-        const int s = pools[size_t(e.target)][size_t(e.pos)].source;
+        const int s = pools[size_t(e.target)].weighed[size_t(e.pos)].source;
         if (!served[size_t(e.target)] && owner[size_t(s)] < 0) {
             owner[size_t(s)] = e.target;
             served[size_t(e.target)] = 1;
         }
     }
     for (int k = 0; k < nt; ++k) {
-        std::vector<Scored>& pool = pools[size_t(k)];
-        for (Scored& sc : pool) {
-            const int o = owner[size_t(sc.source)];
-            if (o >= 0 && o != k)
-                sc.demotedFor = o;
-        }
+        Pool& p = pools[size_t(k)];
+        for (std::vector<Scored>* part : {&p.weighed, &p.shown})
+            for (Scored& sc : *part) {
+                const int o = owner[size_t(sc.source)];
+                if (o >= 0 && o != k)
+                    sc.demotedFor = o;
+            }
+        std::vector<Scored>& pool = p.weighed;
         const auto firstFree =
             std::find_if(pool.begin(), pool.end(), [](const Scored& sc) { return sc.demotedFor < 0; });
         if (firstFree == pool.end()) {
-            for (Scored& sc : pool)
-                sc.score *= kDemoted;
+            for (std::vector<Scored>* part : {&p.weighed, &p.shown})
+                for (Scored& sc : *part)
+                    sc.score *= kDemoted;
             continue;
         }
         std::rotate(pool.begin(), firstFree, firstFree + 1);
+        // The candidates only shown follow the one taken, as the taken
+        // sources do.
         for (auto it = pool.begin() + 1; it != pool.end(); ++it)
             if (it->demotedFor >= 0)
                 it->score = std::min(it->score, pool.front().score);
-        // The taken sources fit better than what follows them: equal scores
-        // keep their order.
-        std::stable_sort(pool.begin() + 1, pool.end(),
-                         [](const Scored& a, const Scored& b) { return a.score > b.score; });
+        for (Scored& sc : p.shown)
+            sc.score = std::min(sc.score, pool.front().score);
     }
 }
 
@@ -229,34 +245,61 @@ QList<QList<SuggestedSource>> SuggestionEngine::Suggest(const QList<SuggestField
 {
     const int nt = int(targets.size());
     Ranker ranker(*d, targets);
-    const size_t keep = options.top > 0 ? size_t(std::max(options.top, 3) + 10) : size_t(d->sources.size());
-    std::vector<std::vector<Scored>> pools(static_cast<size_t>(nt));
+    const size_t shown = options.top > 0 ? std::max(kWeighed, size_t(std::max(options.top, 3) + 10))
+                                         : size_t(d->sources.size());
+    std::vector<Pool> pools(static_cast<size_t>(nt));
     for (int k = 0; k < nt; ++k) {
-        std::vector<Scored>& pool = pools[size_t(k)];
-        pool = ranker.Candidates(k);
-        // What the table lift cannot carry into the kept candidates goes now.
-        if (pool.size() > keep) {
-            std::nth_element(pool.begin(), pool.begin() + qsizetype(keep) - 1, pool.end(), byScore);
-            const double floor = pool[keep - 1].score - kMaxLift;
-            pool.erase(std::remove_if(pool.begin(), pool.end(),
-                                      [floor](const Scored& sc) { return sc.score < floor; }),
-                       pool.end());
+        std::vector<Scored> all = ranker.Candidates(k);
+        // The weighed candidates: the best kWeighed and whatever the table
+        // lift could carry past them.
+        auto weighedEnd = all.end();
+        if (all.size() > kWeighed) {
+            std::nth_element(all.begin(), all.begin() + qsizetype(kWeighed) - 1, all.end(), byScore);
+            const double floor = all[kWeighed - 1].score - kMaxLift;
+            weighedEnd = std::partition(all.begin(), all.end(),
+                                        [floor](const Scored& sc) { return sc.score >= floor; });
+        }
+        Pool& p = pools[size_t(k)];
+        p.weighed.assign(all.begin(), weighedEnd);
+        // Further candidates to show: no lift carries one of them past the
+        // weighed ones.
+        const size_t more = shown > kWeighed ? shown - kWeighed : 0;
+        if (more > 0 && weighedEnd != all.end()) {
+            const auto end = size_t(all.end() - weighedEnd) > more ? weighedEnd + qsizetype(more) : all.end();
+            std::partial_sort(weighedEnd, end, all.end(), byScore);
+            p.shown.assign(weighedEnd, end);
         }
     }
     liftByTable(pools, d->tableOf, d->tableCount);
-    for (std::vector<Scored>& pool : pools) {
-        std::sort(pool.begin(), pool.end(), byScore);
-        if (pool.size() > keep)
-            pool.resize(keep);
+    for (Pool& p : pools) {
+        std::sort(p.weighed.begin(), p.weighed.end(), byScore);
+        // What the lift left below the best kWeighed goes to the shown ones.
+        if (p.weighed.size() > kWeighed) {
+            p.shown.insert(p.shown.begin(), p.weighed.begin() + qsizetype(kWeighed), p.weighed.end());
+            p.weighed.resize(kWeighed);
+        }
     }
     if (options.oneToOne)
         assignOneToOne(pools, int(d->sources.size()), options.minScore);
+    std::vector<std::vector<Scored>> ranked(static_cast<size_t>(nt));
+    for (int k = 0; k < nt; ++k) {
+        Pool& p = pools[size_t(k)];
+        std::vector<Scored>& pool = ranked[size_t(k)];
+        pool = std::move(p.weighed);
+        pool.insert(pool.end(), p.shown.begin(), p.shown.end());
+        // Scores fall from the first on; equal scores keep their order.
+        if (!pool.empty())
+            std::stable_sort(pool.begin() + 1, pool.end(),
+                             [](const Scored& a, const Scored& b) { return a.score > b.score; });
+        if (pool.size() > shown)
+            pool.resize(shown);
+    }
 
     QList<QList<SuggestedSource>> out;
     out.reserve(nt);
     for (int k = 0; k < nt; ++k) {
         QList<SuggestedSource> list;
-        for (const Scored& sc : pools[size_t(k)]) {
+        for (const Scored& sc : ranked[size_t(k)]) {
             if (sc.score < options.minScore || (options.top > 0 && list.size() >= options.top))
                 break;
             const AnalysedName& sName = *d->names[size_t(d->nameOf[size_t(sc.source)])].name;
