@@ -275,6 +275,8 @@ private Q_SLOTS:
         QTest::newRow("real into whole") << typed('D', 15, 2) << typed('L', 9)
                                          << u"type Double(15,2) loses its decimals in Long(9)"_s << false;
         QTest::newRow("date into UTC") << typed('T') << typed('K') << u"type Date converts to UTC"_s << false;
+        QTest::newRow("dates of any stored length")
+            << typed('T', 12) << typed('T', 8) << u"type Date fits Date"_s << true;
         QTest::newRow("string into date")
             << typed('S', 10) << typed('T') << u"type String(10) may not convert to Date"_s << false;
         QTest::newRow("UTC into long")

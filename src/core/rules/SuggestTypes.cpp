@@ -131,7 +131,9 @@ TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const Sugges
                                                                       : rank(source.type) > rank(target.type);
             return wider ? fit(0.96, "is wider than") : fit(1.0, "fits");
         }
-        if (source.length > 0 && target.length > 0 && source.length > target.length)
+        // Dates and times have a fixed length, whatever length the
+        // definitions carry.
+        if (s != Date && s != Utc && source.length > 0 && target.length > 0 && source.length > target.length)
             return fit(0.96, "is longer than");
         return fit(1.0, "fits");
     }
