@@ -31,8 +31,9 @@ QString HostDocument::sampleFileName()
     return QStringLiteral("klmno001.xml");
 }
 
-bool HostDocument::open(const QString& path, QString* error)
+bool HostDocument::open(const QString& name, QString* error)
 {
+    const QString path = fb::LocalFilePath(name);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
@@ -80,8 +81,9 @@ bool HostDocument::take(const QByteArray& bytes, const QString& path, const QStr
     return true;
 }
 
-bool HostDocument::save(const QString& controlText, const QString& path, QString* error)
+bool HostDocument::save(const QString& controlText, const QString& name, QString* error)
 {
+    const QString path = fb::LocalFilePath(name);
     const auto fail = [&](const QString& file, const QString& why) {
         if (error)
             *error = tr("Cannot write %1:\n%2").arg(QDir::toNativeSeparators(file), why);

@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScopeGuard>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -341,6 +342,14 @@ bool HostWindow::save()
     return saveTo(m_document.path());
 }
 
+// A name chosen in a file dialog that begins with ":" comes back as it was
+// typed, as Qt's paths take it for one into the application's resources:
+// it names a file in the folder the dialog showed.
+QString HostWindow::chosenPath(const QString& chosen, const QString& folder)
+{
+    return chosen.startsWith(u':') ? folder + u'/' + chosen : chosen;
+}
+
 // A file named after the root element in the folder. A root name may begin
 // with ":", which Qt's paths and file dialogs take for the start of a path
 // into the application's resources: the proposal leaves those colons out.
@@ -363,7 +372,7 @@ bool HostWindow::saveAs()
                                                       tr("Mapping objects (*.xml);;All files (*)"));
     if (path.isEmpty())
         return false;
-    return saveTo(path);
+    return saveTo(chosenPath(path, QFileInfo(suggestion).absolutePath()));
 }
 
 bool HostWindow::confirmRemovals()
@@ -415,7 +424,10 @@ bool HostWindow::exportReport()
     dialog.setNameFilters(filters);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return false;
-    QString path = dialog.selectedFiles().constFirst();
+    QString path = chosenPath(dialog.selectedFiles().constFirst(), dialog.directory().absolutePath());
+    // "report." has no suffix; the format's comes in place of the dot.
+    while (path.endsWith(u'.') && !QFileInfo(path).fileName().startsWith(u'.'))
+        path.chop(1);
     const QString suffix = QFileInfo(path).suffix();
     const bool htm = suffix.compare(u"htm", Qt::CaseInsensitive) == 0;
     auto format = fb::ReportFormatFromName(htm ? QStringLiteral("html") : suffix);
@@ -430,13 +442,20 @@ bool HostWindow::exportReportTo(const QString& path, fb::ReportFormat format)
 {
     if (!m_control)
         return false;
-    // A document of its own: the report scans the scripts, and the control's
-    // document is not to be touched by that.
-    fb::MappingDocument doc;
-    doc.LoadXml(m_control->MappingObjectXML());
-    doc.SetTableName(doc.DocumentElement().name());
     QString error;
-    if (!fb::WriteTextFile(path, fb::RenderReport(doc, format), &error)) {
+    bool written = false;
+    {
+        // A large document takes seconds to report on.
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
+        // A document of its own: the report scans the scripts, and the
+        // control's document is not to be touched by that.
+        fb::MappingDocument doc;
+        doc.LoadXml(m_control->MappingObjectXML());
+        doc.SetTableName(doc.DocumentElement().name());
+        written = fb::WriteTextFile(path, fb::RenderReport(doc, format), &error);
+    }
+    if (!written) {
         QMessageBox::critical(this, tr("Export Mapping Report"),
                               tr("The mapping report could not be written to %1: %2")
                                   .arg(QDir::toNativeSeparators(path), error));

@@ -77,6 +77,7 @@ private:
     void createControl(const QString& text, bool edit);
     bool maybeSave();
     QString suggestedPath(const QString& folder, const QString& suffix) const;
+    static QString chosenPath(const QString& chosen, const QString& folder);
     void noteChange();
     void updateTitle();
     void updateActions();

@@ -134,6 +134,22 @@ private Q_SLOTS:
         QCOMPARE(p.exitCode(), 1);
         QVERIFY(p.readAllStandardError().contains("cannot write to standard output"));
     }
+    // Qt takes a name that begins with ":" for a resource path; to the tool
+    // it is a file in the current folder, read and written there.
+    void namesBeginningWithAColon()
+    {
+        QVERIFY(QFile::copy(path(u"mapping.xml"_s), m_dir.path() + u"/:in.xml"_s));
+        QProcess p;
+        p.setWorkingDirectory(m_dir.path());
+        p.start(QStringLiteral(FIELDBRIDGE_TOOL),
+                {u"report"_s, u":in.xml"_s, u"--format"_s, u"md"_s, u"-o"_s, u":out.md"_s});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 0);
+        QFile out(m_dir.path() + u"/:out.md"_s);
+        QVERIFY(out.open(QIODevice::ReadOnly) && out.readAll().startsWith("# Mapping report: abcde001"));
+        QVERIFY(!QFileInfo::exists(m_dir.path() + u"/:"_s)); // no folder made on the way
+    }
+
     // A file name in another encoding than UTF-8 cannot be passed on
     // unchanged: it is refused as such, not reported missing.
     void fileNameThatIsNotUtf8()

@@ -3,6 +3,7 @@
 #include "Command.h"
 #include "core/document/MappingDocument.h"
 #include "core/document/TextCodec.h"
+#include "core/document/TextFile.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -22,9 +23,10 @@ bool LoadMappingObject(const QString& path, fb::MappingDocument& doc, QString* e
             *error = QStringLiteral("no file name given");
         return false;
     }
-    if (QFileInfo(path).isDir())
+    const QString local = fb::LocalFilePath(path);
+    if (QFileInfo(local).isDir())
         return fail(QStringLiteral("is a folder"));
-    QFile file(path);
+    QFile file(local);
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
     const QString text = fb::DecodeMappingFile(file.readAll()).text;

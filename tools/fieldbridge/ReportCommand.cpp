@@ -87,7 +87,7 @@ int RunReport(const QStringList& arguments)
         return Success;
     }
     QString error;
-    const QString out = parser.value(outOption);
+    const QString out = fb::LocalFilePath(parser.value(outOption));
     if (out.endsWith(u'/') || QFileInfo(out).isDir()) {
         PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(out));
         return Failure;

@@ -103,9 +103,14 @@ bool writeBytes(const QString& path, const QByteArray& bytes, QString* error)
     return written;
 }
 
-TextFileWriter::TextFileWriter(const QString& path) : m_path(path)
+QString LocalFilePath(const QString& path)
 {
-    const QString folder = QFileInfo(path).absolutePath();
+    return path.startsWith(u':') ? QStringLiteral("./") + path : path;
+}
+
+TextFileWriter::TextFileWriter(const QString& path) : m_path(LocalFilePath(path))
+{
+    const QString folder = QFileInfo(m_path).absolutePath();
     if (!QDir(folder).exists()) {
         // Asking for the temporary folder may itself create it again (it is
         // this user's private folder), so look once more before making it.

@@ -57,6 +57,11 @@ private:
     QString m_error;
 };
 
+// A path as the file system reads it. Qt takes a path that begins with ":"
+// for one into the application's resources; here it names a file in the
+// current folder, as it does for every other program.
+QString LocalFilePath(const QString& path);
+
 // The whole file; "" for an empty file. A link or a file that cannot be
 // read gives "" with ok false.
 QString ReadTextFile(const QString& path, bool* ok = nullptr);
