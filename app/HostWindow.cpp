@@ -453,7 +453,12 @@ bool HostWindow::exportReportTo(const QString& path, fb::ReportFormat format)
         fb::MappingDocument doc;
         doc.LoadXml(m_control->MappingObjectXML());
         doc.SetTableName(doc.DocumentElement().name());
-        written = fb::WriteTextFile(path, fb::RenderReport(doc, format), &error);
+        fb::TextFileWriter file(path);
+        written = fb::WriteReport(
+                      doc, format,
+                      [&file](QByteArrayView piece) { return file.write(piece.data(), piece.size()); }) &&
+                  file.commit();
+        error = file.error();
     }
     if (!written) {
         QMessageBox::critical(this, tr("Export Mapping Report"),

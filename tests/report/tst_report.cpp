@@ -287,6 +287,36 @@ private Q_SLOTS:
         QVERIFY(r.outside[1].startsWith(u"Error: Dump 7 holds rules"_s));
     }
 
+    // Written in pieces, a report is the same text as made whole: a large
+    // document's report is never held in one piece.
+    void piecesMakeTheWhole_data() { readsBackInEveryFormat_data(); }
+    void piecesMakeTheWhole()
+    {
+        QFETCH(QString, format);
+        QString rule = u"\""_s;
+        for (int i = 0; i < 60000; ++i)
+            rule += u"😀<&|,é"_s;
+        fb::MappingDocument doc;
+        QVERIFY(loadDocument(doc, hostileDocument(rule + u'"')));
+        const fb::ReportFormat f = *fb::ReportFormatFromName(format);
+        const fb::MappingReport report = fb::BuildReport(doc);
+        QByteArray joined;
+        int pieces = 0;
+        QVERIFY(fb::WriteReport(report, f, [&](QByteArrayView piece) {
+            joined += piece;
+            return ++pieces > 0;
+        }));
+        QVERIFY2(pieces >= 2, qPrintable(QString::number(pieces)));
+        QCOMPARE(joined, fb::RenderReport(report, f).toUtf8());
+        // A sink that refuses stops the writing and says so.
+        int offered = 0;
+        QVERIFY(!fb::WriteReport(report, f, [&](QByteArrayView) {
+            ++offered;
+            return false;
+        }));
+        QCOMPARE(offered, 1);
+    }
+
     // A cell that starts like a formula must not become one in a spreadsheet.
     void csvGuardsFormulas_data()
     {

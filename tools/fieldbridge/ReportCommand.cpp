@@ -9,6 +9,7 @@
 #include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
+#include <cstdio>
 #include <sys/stat.h>
 
 namespace fbtool {
@@ -47,14 +48,31 @@ bool isStream(const QString& path)
            absolute.startsWith(u"/proc/");
 }
 
-bool writeInto(const QString& path, const QString& text, QString* error)
+// The report in pieces into a stream, or into a new file that replaces the
+// plain file at the end; nothing is held whole.
+bool writeReport(fb::MappingDocument& doc, fb::ReportFormat format, const QString& path, QString* error)
 {
-    QFile file(path);
-    const QByteArray bytes = text.toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush())
-        return true;
-    *error = file.errorString();
-    return false;
+    if (isStream(path)) {
+        QFile file(path);
+        const bool written =
+            file.open(QIODevice::WriteOnly) &&
+            fb::WriteReport(doc, format,
+                            [&file](QByteArrayView piece) {
+                                return file.write(piece.data(), piece.size()) == piece.size();
+                            }) &&
+            file.flush();
+        if (!written)
+            *error = file.errorString();
+        return written;
+    }
+    fb::TextFileWriter file(path);
+    const bool written =
+        fb::WriteReport(doc, format,
+                        [&file](QByteArrayView piece) { return file.write(piece.data(), piece.size()); }) &&
+        file.commit();
+    if (!written)
+        *error = file.error();
+    return written;
 }
 
 } // namespace
@@ -81,18 +99,21 @@ int RunReport(const QStringList& arguments)
     fb::MappingDocument doc;
     if (const std::optional<int> loaded = LoadSingleFile(parser, command, doc))
         return *loaded;
-    const QString text = fb::RenderReport(doc, *format);
     if (!parser.isSet(outOption)) {
-        PrintOut(text);
+        // Standard output is checked once at the end.
+        fb::WriteReport(doc, *format, [](QByteArrayView piece) {
+            std::fwrite(piece.data(), 1, size_t(piece.size()), stdout);
+            return true;
+        });
         return Success;
     }
     QString error;
     const QString out = fb::LocalFilePath(parser.value(outOption));
     if (out.endsWith(u'/') || QFileInfo(out).isDir()) {
-        PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(out));
+        PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(parser.value(outOption)));
         return Failure;
     }
-    if (!(isStream(out) ? writeInto(out, text, &error) : fb::WriteTextFile(out, text, &error))) {
+    if (!writeReport(doc, *format, out, &error)) {
         PrintError(command, QStringLiteral("cannot write %1: %2").arg(parser.value(outOption), error));
         return Failure;
     }

@@ -155,22 +155,56 @@ MappingReport BuildReport(MappingDocument& doc)
     return report;
 }
 
-QString RenderReport(const MappingReport& report, ReportFormat format)
+namespace {
+
+void render(const MappingReport& report, ReportFormat format, detail::ReportOut& out)
 {
     switch (format) {
     case ReportFormat::Html:
-        return detail::RenderHtml(report);
+        return detail::RenderHtml(report, out);
     case ReportFormat::Markdown:
-        return detail::RenderMarkdown(report);
+        return detail::RenderMarkdown(report, out);
     case ReportFormat::Csv:
         break;
     }
-    return detail::RenderCsv(report);
+    detail::RenderCsv(report, out);
+}
+
+} // namespace
+
+bool detail::ReportOut::flush(bool end)
+{
+    qsizetype n = m_text.size();
+    if (!end && n > 0 && m_text.at(n - 1).isHighSurrogate())
+        --n;
+    if (m_ok && n > 0)
+        m_ok = (*m_sink)(QStringView(m_text).first(n).toUtf8());
+    m_text.remove(0, n);
+    return m_ok;
+}
+
+QString RenderReport(const MappingReport& report, ReportFormat format)
+{
+    detail::ReportOut out;
+    render(report, format, out);
+    return out.take();
 }
 
 QString RenderReport(MappingDocument& doc, ReportFormat format)
 {
     return RenderReport(BuildReport(doc), format);
+}
+
+bool WriteReport(const MappingReport& report, ReportFormat format, const ReportSink& sink)
+{
+    detail::ReportOut out(&sink);
+    render(report, format, out);
+    return out.flush(true);
+}
+
+bool WriteReport(MappingDocument& doc, ReportFormat format, const ReportSink& sink)
+{
+    return WriteReport(BuildReport(doc), format, sink);
 }
 
 } // namespace fb

@@ -4,9 +4,11 @@
 #include "core/rules/Checks.h"
 #include "core/rules/Coverage.h"
 
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <optional>
 
 // The mapping report of a mapping object: what a customer signs off
@@ -67,6 +69,15 @@ MappingReport BuildReport(MappingDocument& doc);
 QString RenderReport(const MappingReport& report, ReportFormat format);
 // BuildReport, then RenderReport.
 QString RenderReport(MappingDocument& doc, ReportFormat format);
+
+// Takes the text of a report in pieces of UTF-8, in order; false stops it.
+using ReportSink = std::function<bool(QByteArrayView utf8)>;
+// RenderReport in pieces: the text goes to the sink as it is laid out, so
+// that the report of a large document is never held whole. False when the
+// sink refused a piece.
+bool WriteReport(const MappingReport& report, ReportFormat format, const ReportSink& sink);
+// BuildReport, then WriteReport.
+bool WriteReport(MappingDocument& doc, ReportFormat format, const ReportSink& sink);
 
 // "Text no. 17 (kept by the host)": how every format names a documentation
 // text that the host keeps.

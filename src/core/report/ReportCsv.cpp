@@ -30,7 +30,7 @@ QString cell(const QString& text)
     return u'"' + value + u'"';
 }
 
-void record(QString& out, const QStringList& cells)
+void record(ReportOut& out, const QStringList& cells)
 {
     for (qsizetype i = 0; i < cells.size(); ++i) {
         if (i > 0)
@@ -42,9 +42,9 @@ void record(QString& out, const QStringList& cells)
 
 } // namespace
 
-QString RenderCsv(const MappingReport& report)
+void RenderCsv(const MappingReport& report, ReportOut& out)
 {
-    QString out(QChar(0xFEFF));
+    out += QChar(0xFEFF);
     record(out, {QStringLiteral("Dump"), QStringLiteral("Dump text"), QStringLiteral("Target table"),
                  QStringLiteral("Coverage"), QStringLiteral("No."), QStringLiteral("Field"),
                  QStringLiteral("Description"), QStringLiteral("Type"), QStringLiteral("Length"),
@@ -62,7 +62,6 @@ QString RenderCsv(const MappingReport& report)
         record(out, {p.dump > 0 ? QString::number(p.dump) : QString(), QString(), QString(), QString(),
                      QString(), p.field, QString(), QString(), QString(), QString(), QString(), QString(),
                      QString(), ProblemLine(p)});
-    return out;
 }
 
 } // namespace fb::detail

@@ -112,7 +112,7 @@ footer { margin-top: 24px; color: var(--muted); font-size: 11px; }
 }
 )";
 
-void bar(QString& out, const Coverage& c)
+void bar(ReportOut& out, const Coverage& c)
 {
     const int percent = CoveragePercent(c);
     out += percent == 100 ? QStringLiteral("<div class=\"bar complete\">")
@@ -120,7 +120,7 @@ void bar(QString& out, const Coverage& c)
     out += QStringLiteral("<span style=\"width:%1%\"></span></div>").arg(percent);
 }
 
-void problemList(QString& out, const QList<Problem>& problems)
+void problemList(ReportOut& out, const QList<Problem>& problems)
 {
     if (problems.isEmpty())
         return;
@@ -134,7 +134,7 @@ void problemList(QString& out, const QList<Problem>& problems)
     out += QStringLiteral("</ul>");
 }
 
-void header(QString& out, const MappingReport& report)
+void header(ReportOut& out, const MappingReport& report)
 {
     int fields = 0;
     int withRule = 0;
@@ -163,7 +163,7 @@ void header(QString& out, const MappingReport& report)
     out += QStringLiteral("</dl></header>\n");
 }
 
-void overview(QString& out, const MappingReport& report)
+void overview(ReportOut& out, const MappingReport& report)
 {
     out += QStringLiteral("<section class=\"overview\"><h2>Overview</h2>");
     if (report.dumps.isEmpty())
@@ -194,7 +194,7 @@ void overview(QString& out, const MappingReport& report)
     out += QStringLiteral("</section>\n");
 }
 
-void fieldRow(QString& out, const ReportField& f)
+void fieldRow(ReportOut& out, const ReportField& f)
 {
     out += f.rule.isEmpty() && f.mandatory ? QStringLiteral("<tr class=\"open\">") : QStringLiteral("<tr>");
     out += QStringLiteral("<td class=\"num\">") + esc(f.number) +
@@ -223,7 +223,7 @@ void fieldRow(QString& out, const ReportField& f)
     out += QStringLiteral("</td></tr>\n");
 }
 
-void dumpSection(QString& out, const ReportDump& d)
+void dumpSection(ReportOut& out, const ReportDump& d)
 {
     out += QStringLiteral("<section class=\"dump\" id=\"dump-%1\"><h2>Dump %1").arg(d.number);
     if (!d.text.isEmpty())
@@ -253,9 +253,8 @@ void dumpSection(QString& out, const ReportDump& d)
 
 } // namespace
 
-QString RenderHtml(const MappingReport& report)
+void RenderHtml(const MappingReport& report, ReportOut& out)
 {
-    QString out;
     out += QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"/>"
                           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
                           "style-src 'unsafe-inline'\"/>"
@@ -269,7 +268,6 @@ QString RenderHtml(const MappingReport& report)
         dumpSection(out, d);
     out += QStringLiteral("<footer>Mapping report of ") + esc(report.table) +
            QStringLiteral(", written by Fieldbridge.</footer>\n</body></html>\n");
-    return out;
 }
 
 } // namespace fb::detail

@@ -29,7 +29,7 @@ QString md(const QString& text, bool cell = true)
     return out;
 }
 
-void row(QString& out, const QStringList& cells)
+void row(ReportOut& out, const QStringList& cells)
 {
     out += QStringLiteral("|");
     for (const QString& c : cells)
@@ -37,7 +37,7 @@ void row(QString& out, const QStringList& cells)
     out += u'\n';
 }
 
-void tableHead(QString& out, const QStringList& titles, const QList<bool>& numeric)
+void tableHead(ReportOut& out, const QStringList& titles, const QList<bool>& numeric)
 {
     row(out, titles);
     out += QStringLiteral("|");
@@ -53,9 +53,9 @@ QString coverageCell(const Coverage& c)
 
 } // namespace
 
-QString RenderMarkdown(const MappingReport& report)
+void RenderMarkdown(const MappingReport& report, ReportOut& out)
 {
-    QString out = QStringLiteral("# Mapping report: ") + md(report.table, false) + QStringLiteral("\n\n");
+    out += QStringLiteral("# Mapping report: ") + md(report.table, false) + QStringLiteral("\n\n");
     out += QStringLiteral("Source tables: ") +
            md(report.sourceTables.isEmpty() ? QStringLiteral("None")
                                             : report.sourceTables.join(QStringLiteral(", ")),
@@ -99,7 +99,6 @@ QString RenderMarkdown(const MappingReport& report)
             row(out, {f.number, f.name, f.description, f.type, f.length, MandatoryCell(f.mandatory), f.rule,
                       f.sources.join(u'\n'), DocumentationCell(f), ProblemsCell(f.problems)});
     }
-    return out;
 }
 
 } // namespace fb::detail

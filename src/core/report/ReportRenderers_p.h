@@ -6,9 +6,37 @@
 // that every format says the same thing in the same words.
 namespace fb::detail {
 
-QString RenderHtml(const MappingReport& report);
-QString RenderMarkdown(const MappingReport& report);
-QString RenderCsv(const MappingReport& report);
+// The text of a report as it is laid out: kept whole, or handed to a sink
+// in pieces of UTF-8 as it grows, so that the report of a document of any
+// size needs little memory beyond its content.
+class ReportOut {
+public:
+    explicit ReportOut(const ReportSink* sink = nullptr) : m_sink(sink) {}
+
+    template <typename Text> ReportOut& operator+=(const Text& text)
+    {
+        m_text += text;
+        if (m_sink && m_text.size() >= kPiece)
+            flush(false);
+        return *this;
+    }
+    // Hands what has been laid out to the sink; false once the sink has
+    // refused a piece. At the end everything goes; before it, a character's
+    // first half waits for its second.
+    bool flush(bool end);
+    // The whole text, when there is no sink.
+    QString take() { return std::move(m_text); }
+
+private:
+    static constexpr qsizetype kPiece = 1 << 18;
+    const ReportSink* m_sink;
+    QString m_text;
+    bool m_ok = true;
+};
+
+void RenderHtml(const MappingReport& report, ReportOut& out);
+void RenderMarkdown(const MappingReport& report, ReportOut& out);
+void RenderCsv(const MappingReport& report, ReportOut& out);
 
 QString MandatoryCell(bool mandatory);                // "Yes" or ""
 QString DocumentationCell(const ReportField& f);      // the text, or where the host keeps it
