@@ -120,6 +120,8 @@ private Q_SLOTS:
             << u"report @/mapping.xml --format md -o @"_s << 1 << u"folder"_s;
         QTest::newRow("report into a new folder")
             << u"report @/mapping.xml --format md -o @/new/"_s << 1 << u"it is a folder"_s;
+        QTest::newRow("report into a missing folder")
+            << u"report @/mapping.xml --format md -o @/missing/out.md"_s << 1 << u"does not exist"_s;
     }
 
     // Output that cannot arrive is an error, and an OUT that is a pipe gets

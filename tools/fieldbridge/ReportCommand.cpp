@@ -7,6 +7,7 @@
 #include "core/report/Report.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cstdio>
@@ -28,7 +29,8 @@ const char* const kHelp =
     "Options:\n"
     "  --format F  html, md or csv (required)\n"
     "  -o OUT      write to the file OUT instead of standard output: a file is replaced as a\n"
-    "              whole and keeps its mode; a pipe or a device is written into\n"
+    "              whole and keeps its mode; a pipe or a device is written into; the\n"
+    "              folder must exist\n"
     "  -h, --help  this text\n"
     "\n"
     "Exit status: 0 written, 1 OUT could not be written, 2 FILE is not a mapping object or the\n"
@@ -111,6 +113,12 @@ int RunReport(const QStringList& arguments)
     const QString out = fb::LocalFilePath(parser.value(outOption));
     if (out.endsWith(u'/') || QFileInfo(out).isDir()) {
         PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(parser.value(outOption)));
+        return Failure;
+    }
+    // A mistyped folder is an error, not one to make.
+    if (!QFileInfo(out).absoluteDir().exists()) {
+        PrintError(command, QStringLiteral("cannot write %1: the folder %2 does not exist")
+                                .arg(parser.value(outOption), QFileInfo(out).absolutePath()));
         return Failure;
     }
     if (!writeReport(doc, *format, out, &error)) {
