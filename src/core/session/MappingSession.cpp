@@ -209,6 +209,8 @@ void MappingSession::EnableEditing()
     // The choice of a dump's target table is written into the dump when it
     // is stored: in read-only mode it stays with the dump's own table.
     enable(Command::CmbTargetTable, false);
+    // Nothing is undone or redone once the document may not change.
+    clearHistory();
 }
 
 // ---- tabs --------------------------------------------------------------------

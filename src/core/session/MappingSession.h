@@ -222,8 +222,8 @@ public:
     // Every change of the mapping made through the control is one step; the
     // history survives switching dumps and tabs, and starts afresh with each
     // new document.
-    bool canUndo() const { return m_historyAt > 0; }
-    bool canRedo() const { return m_historyAt < m_history.size(); }
+    bool canUndo() const { return m_edit && m_historyAt > 0; }
+    bool canRedo() const { return m_edit && m_historyAt < m_history.size(); }
     QString undoText() const;
     QString redoText() const;
     void Undo();

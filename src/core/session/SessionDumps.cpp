@@ -261,6 +261,8 @@ void MappingSession::BindUnboundDumps()
         const QString chosen = m_ui.ChooseTargetTable(number, m_targetTables, m_targetTables.value(0));
         m_dialogOpen = false;
         BindDumpToTable(m_doc, dump, chosen);
+        // Its fields are new to the checks.
+        scheduleDumpCheck(number);
     }
 }
 

@@ -50,6 +50,9 @@ void MappingSession::clickCmdSuggest()
         texts.append({a.row, BuildMappedRule({{a.source, sourceTypes.value(a.source)}}, targetType)});
     }
     m_rules.setRuleTexts(texts);
+    // Into the dump at once, as Guess does: what asks before rules are
+    // discarded (Cha&nge...) looks at the dump, not at the grid.
+    StoreDumpRules(m_tag);
 }
 
 } // namespace fb
