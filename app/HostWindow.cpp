@@ -368,11 +368,13 @@ bool HostWindow::saveAs()
     QString suggestion = m_document.path();
     if (suggestion.isEmpty())
         suggestion = suggestedPath(QDir::homePath(), QStringLiteral(".xml"));
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Mapping Object"), suggestion,
-                                                      tr("Mapping objects (*.xml);;All files (*)"));
-    if (path.isEmpty())
+    QFileDialog dialog(this, tr("Save Mapping Object"), suggestion,
+                       tr("Mapping objects (*.xml);;All files (*)"));
+    dialog.setObjectName(QStringLiteral("SaveAsDialog"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return false;
-    return saveTo(chosenPath(path, QFileInfo(suggestion).absolutePath()));
+    return saveTo(chosenPath(dialog.selectedFiles().constFirst(), dialog.directory().absolutePath()));
 }
 
 bool HostWindow::confirmRemovals()
@@ -453,12 +455,7 @@ bool HostWindow::exportReportTo(const QString& path, fb::ReportFormat format)
         fb::MappingDocument doc;
         doc.LoadXml(m_control->MappingObjectXML());
         doc.SetTableName(doc.DocumentElement().name());
-        fb::TextFileWriter file(path);
-        written = fb::WriteReport(
-                      doc, format,
-                      [&file](QByteArrayView piece) { return file.write(piece.data(), piece.size()); }) &&
-                  file.commit();
-        error = file.error();
+        written = fb::WriteReportFile(doc, format, path, &error);
     }
     if (!written) {
         QMessageBox::critical(this, tr("Export Mapping Report"),

@@ -152,7 +152,8 @@ void FrmSuggest::take(QTreeWidgetItem* candidate)
     field->setData(Source, kChoiceRole, k);
     showCandidate(field, m_rows[m_list->indexOfTopLevelItem(field)].candidates[k]);
     field->setCheckState(Field, Qt::Checked);
-    m_list->setCurrentItem(field);
+    // The selection stays on the candidate: a second Enter takes it again
+    // rather than reaching the dialog's default button.
 }
 
 void FrmSuggest::showCount()

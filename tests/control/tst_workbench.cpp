@@ -166,6 +166,7 @@ private Q_SLOTS:
             list->setCurrentItem(two->child(0));
             QTest::keyClick(list, Qt::Key_Down);
             QTest::keyClick(list, Qt::Key_Return);
+            QTest::keyClick(list, Qt::Key_Return); // a second press, or a key held down
             QVERIFY(dialog->isVisible());
             QCOMPARE(two->text(2), two->child(1)->text(2));
             QCOMPARE(two->checkState(0), Qt::Checked);

@@ -213,6 +213,26 @@ private Q_SLOTS:
         QFETCH(int, number);
         QTEST(twoDigits ? str::TwoDigits(number) : str::SignPadded(number), "text");
     }
+
+    // Element names are upper-cased a character at a time: the name keeps
+    // its length, so it finds the element it was made from.
+    void upperCase_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("upper");
+        QTest::newRow("plain") << u"cust_no2"_s << u"CUST_NO2"_s;
+        QTest::newRow("sharp s has no single partner") << u"straße"_s << u"STRAßE"_s;
+        QTest::newRow("ligature stays") << u"ﬁx"_s << u"ﬁX"_s;
+        QTest::newRow("title-case letter") << u"ǆ"_s << u"Ǆ"_s;
+        QTest::newRow("outside the basic plane") << u"\U00010428x"_s << u"\U00010400X"_s;
+        QTest::newRow("a lone surrogate stays")
+            << QString(QChar(0xD801)) + u"a"_s << QString(QChar(0xD801)) + u"A"_s;
+    }
+    void upperCase()
+    {
+        QFETCH(QString, text);
+        QTEST(str::Upper(text), "upper");
+    }
 };
 
 QTEST_APPLESS_MAIN(DictionaryTest)

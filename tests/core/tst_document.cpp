@@ -50,6 +50,8 @@ private Q_SLOTS:
         QTest::newRow("bare ampersand") << wrapped(u"<PREC>a & b</PREC>"_s);
         QTest::newRow("reference to U+0000") << wrapped(u"<PREC>x&#0;y</PREC>"_s);
         QTest::newRow("reference with a bad digit") << wrapped(u"<PREC>&#x12g;</PREC>"_s);
+        QTest::newRow("reference with a digit of another script")
+            << wrapped(u"<PREC>&#x\u0664\u0661;</PREC>"_s);
         QTest::newRow("reference beyond U+10FFFF") << wrapped(u"<PREC>&#x0110000;</PREC>"_s);
         QTest::newRow("reference that overflows") << wrapped(u"<PREC>&#x100000041;</PREC>"_s);
         QTest::newRow("< in an attribute value") << wrapped(u"<PREC TEXT=\"a<b\"/>"_s);

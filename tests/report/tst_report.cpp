@@ -5,6 +5,7 @@
 #include "CoreTestSupport.h"
 #include "core/report/CheckListing.h"
 #include "core/report/Report.h"
+#include "core/report/ReportRenderers_p.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -315,6 +316,26 @@ private Q_SLOTS:
             return false;
         }));
         QCOMPARE(offered, 1);
+    }
+
+    // A character whose two halves meet at the end of a piece is not cut
+    // in two: every piece is whole UTF-8.
+    void piecesKeepCharactersWhole()
+    {
+        QList<QByteArray> pieces;
+        const fb::ReportSink sink = [&](QByteArrayView piece) {
+            pieces.append(piece.toByteArray());
+            return true;
+        };
+        fb::detail::ReportOut out(&sink);
+        const QString emoji = u"😀"_s;
+        out += QString(fb::detail::ReportOut::kPiece - 1, u'a') + emoji.at(0);
+        out += QString(emoji.at(1)) + u"b"_s;
+        QVERIFY(out.flush(true));
+        QCOMPARE(pieces.size(), 2);
+        QCOMPARE(pieces.join(), (QString(fb::detail::ReportOut::kPiece - 1, u'a') + emoji + u"b"_s).toUtf8());
+        for (const QByteArray& piece : pieces)
+            QCOMPARE(QString::fromUtf8(piece).toUtf8(), piece);
     }
 
     // A cell that starts like a formula must not become one in a spreadsheet.

@@ -277,6 +277,8 @@ private Q_SLOTS:
         QTest::newRow("date into UTC") << typed('T') << typed('K') << u"type Date converts to UTC"_s << false;
         QTest::newRow("dates of any stored length")
             << typed('T', 12) << typed('T', 8) << u"type Date fits Date"_s << true;
+        QTest::newRow("times of any stored length")
+            << typed('K', 20) << typed('K', 14) << u"type UTC fits UTC"_s << true;
         QTest::newRow("string into date")
             << typed('S', 10) << typed('T') << u"type String(10) may not convert to Date"_s << false;
         QTest::newRow("UTC into long")

@@ -102,6 +102,8 @@ private Q_SLOTS:
         QTest::newRow("unknown option") << u"suggest @/mapping.xml --bogus"_s << 2 << QString();
         QTest::newRow("top of nought") << u"suggest @/mapping.xml --top 0"_s << 2 << QString();
         QTest::newRow("dump that is no number") << u"suggest @/mapping.xml --dump x"_s << 2 << QString();
+        QTest::newRow("dump number beyond 999")
+            << u"suggest @/mapping.xml --dump 1000"_s << 2 << u"1 to 999"_s;
         QTest::newRow("missing file") << u"suggest @/missing.xml"_s << 2 << QString();
         QTest::newRow("a folder") << u"suggest @"_s << 2 << QString();
         QTest::newRow("not well-formed") << u"suggest @/broken.xml"_s << 2 << u"line 1, column"_s;

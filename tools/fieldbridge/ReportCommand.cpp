@@ -67,14 +67,7 @@ bool writeReport(fb::MappingDocument& doc, fb::ReportFormat format, const QStrin
             *error = file.errorString();
         return written;
     }
-    fb::TextFileWriter file(path);
-    const bool written =
-        fb::WriteReport(doc, format,
-                        [&file](QByteArrayView piece) { return file.write(piece.data(), piece.size()); }) &&
-        file.commit();
-    if (!written)
-        *error = file.error();
-    return written;
+    return fb::WriteReportFile(doc, format, path, error);
 }
 
 } // namespace
@@ -102,10 +95,9 @@ int RunReport(const QStringList& arguments)
     if (const std::optional<int> loaded = LoadSingleFile(parser, command, doc))
         return *loaded;
     if (!parser.isSet(outOption)) {
-        // Standard output is checked once at the end.
+        // What failed is told once at the end, from the stream's state.
         fb::WriteReport(doc, *format, [](QByteArrayView piece) {
-            std::fwrite(piece.data(), 1, size_t(piece.size()), stdout);
-            return true;
+            return std::fwrite(piece.data(), 1, size_t(piece.size()), stdout) == size_t(piece.size());
         });
         return Success;
     }

@@ -28,11 +28,11 @@ const char* const kHelp =
     "    \"candidates\": [{\"source\": \"table.field\", \"score\": 0.93, \"reasons\": [\"...\"]}]}]}]}\n"
     "\n"
     "Options:\n"
-    "  --dump N   only dump N (exit 1 when the file has no such dump)\n"
+    "  --dump N   only dump N, from 1 to 999 (exit 1 when no script of the file references it)\n"
     "  --top K    at most K candidates per target field (default 3)\n"
     "  -h, --help this text\n"
     "\n"
-    "Exit status: 0 done, 1 no such dump, 2 FILE is not a mapping object or the command line is wrong.\n";
+    "Exit status: 0 done, 1 no dump N, 2 FILE is not a mapping object or the command line is wrong.\n";
 
 QString jsonString(const QString& s)
 {
@@ -109,8 +109,8 @@ int RunSuggest(const QStringList& arguments)
     int dump = 0;
     if (parser.isSet(dumpOption)) {
         dump = parser.value(dumpOption).toInt(&ok);
-        if (!ok || dump < 1 || dump > 32767) {
-            PrintError(command, QStringLiteral("--dump takes a dump number from 1 to 32767, not '%1'")
+        if (!ok || dump < 1 || dump > 999) {
+            PrintError(command, QStringLiteral("--dump takes a dump number from 1 to 999, not '%1'")
                                     .arg(parser.value(dumpOption)));
             return Unreadable;
         }

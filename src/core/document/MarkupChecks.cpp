@@ -170,7 +170,7 @@ private:
                 ++zeros;
             ok = !digits.isEmpty() && digits.size() - zeros <= 8;
             for (QChar d : digits) {
-                const int v = hex ? (d.isDigit()                ? d.unicode() - u'0'
+                const int v = hex ? ((d >= u'0' && d <= u'9')   ? d.unicode() - u'0'
                                      : (d >= u'a' && d <= u'f') ? d.unicode() - u'a' + 10
                                      : (d >= u'A' && d <= u'F') ? d.unicode() - u'A' + 10
                                                                 : -1)

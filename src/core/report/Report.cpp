@@ -3,6 +3,7 @@
 #include "ReportRenderers_p.h"
 #include "core/dictionary/FieldRules.h"
 #include "core/document/LineBreaks.h"
+#include "core/document/TextFile.h"
 #include "core/document/TextRules.h"
 #include "core/rules/DumpStore.h"
 
@@ -205,6 +206,18 @@ bool WriteReport(const MappingReport& report, ReportFormat format, const ReportS
 bool WriteReport(MappingDocument& doc, ReportFormat format, const ReportSink& sink)
 {
     return WriteReport(BuildReport(doc), format, sink);
+}
+
+bool WriteReportFile(MappingDocument& doc, ReportFormat format, const QString& path, QString* error)
+{
+    TextFileWriter file(path);
+    const bool written =
+        WriteReport(doc, format,
+                    [&file](QByteArrayView piece) { return file.write(piece.data(), piece.size()); }) &&
+        file.commit();
+    if (!written && error)
+        *error = file.error();
+    return written;
 }
 
 } // namespace fb

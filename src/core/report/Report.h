@@ -78,6 +78,9 @@ using ReportSink = std::function<bool(QByteArrayView utf8)>;
 bool WriteReport(const MappingReport& report, ReportFormat format, const ReportSink& sink);
 // BuildReport, then WriteReport.
 bool WriteReport(MappingDocument& doc, ReportFormat format, const ReportSink& sink);
+// The report into the file at path, written as WriteTextFile writes (a new
+// file renamed over the old one); false with the reason in error.
+bool WriteReportFile(MappingDocument& doc, ReportFormat format, const QString& path, QString* error);
 
 // "Text no. 17 (kept by the host)": how every format names a documentation
 // text that the host keeps.

@@ -11,10 +11,16 @@ namespace fb::detail {
 // size needs little memory beyond its content.
 class ReportOut {
 public:
+    // About how many characters go to the sink at a time.
+    static constexpr qsizetype kPiece = 1 << 18;
+
     explicit ReportOut(const ReportSink* sink = nullptr) : m_sink(sink) {}
 
+    // Once the sink has refused a piece, nothing more is laid out.
     template <typename Text> ReportOut& operator+=(const Text& text)
     {
+        if (!m_ok)
+            return *this;
         m_text += text;
         if (m_sink && m_text.size() >= kPiece)
             flush(false);
@@ -28,7 +34,6 @@ public:
     QString take() { return std::move(m_text); }
 
 private:
-    static constexpr qsizetype kPiece = 1 << 18;
     const ReportSink* m_sink;
     QString m_text;
     bool m_ok = true;

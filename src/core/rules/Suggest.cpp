@@ -183,13 +183,11 @@ void assignOneToOne(std::vector<Pool>& pools, int sourceCount, double minScore)
             continue;
         }
         std::rotate(pool.begin(), firstFree, firstFree + 1);
-        // The candidates only shown follow the one taken, as the taken
-        // sources do.
+        // The taken sources follow the first. The candidates only shown
+        // scored below every weighed one already, this first included.
         for (auto it = pool.begin() + 1; it != pool.end(); ++it)
             if (it->demotedFor >= 0)
                 it->score = std::min(it->score, pool.front().score);
-        for (Scored& sc : p.shown)
-            sc.score = std::min(sc.score, pool.front().score);
     }
 }
 

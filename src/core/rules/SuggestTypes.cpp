@@ -46,6 +46,12 @@ bool isNumberType(QChar type)
     return !type.isNull() && QStringView(u"BILFD").contains(type);
 }
 
+// Dates and times have a fixed length, whatever length a definition carries.
+bool hasFixedLength(QChar type)
+{
+    return type == u'T' || type == u'K';
+}
+
 // The type as the field lists show it, with its length where the length
 // says something: "String(30)", "Double(15,4)", "Date".
 QString typeText(const SuggestField& f)
@@ -57,8 +63,8 @@ QString typeText(const SuggestField& f)
     d.digitsAfter = QString::number(f.decimals);
     QString lengthText;
     const QString name = GetFieldTypeText(d, lengthText);
-    // Dates and times have a fixed length; an unknown length shows none.
-    if (length.isEmpty() || f.type == u'T' || f.type == u'K' || f.type == u'U')
+    // Text and an unknown length show none.
+    if (length.isEmpty() || hasFixedLength(f.type) || f.type == u'U')
         return name;
     if ((f.type == u'F' || f.type == u'D') && f.decimals <= 0)
         lengthText = length;
@@ -131,9 +137,8 @@ TypeVerdict suggest::CompareTypeLetters(const SuggestField& source, const Sugges
                                                                       : rank(source.type) > rank(target.type);
             return wider ? fit(0.96, "is wider than") : fit(1.0, "fits");
         }
-        // Dates and times have a fixed length, whatever length the
-        // definitions carry.
-        if (s != Date && s != Utc && source.length > 0 && target.length > 0 && source.length > target.length)
+        if (!hasFixedLength(source.type) && source.length > 0 && target.length > 0 &&
+            source.length > target.length)
             return fit(0.96, "is longer than");
         return fit(1.0, "fits");
     }
