@@ -416,7 +416,14 @@ Node MappingSession::CurrentRuleElement(QString* fieldLabel)
         *fieldLabel = label;
     if (label.isEmpty())
         return Node();
-    return dump.childElement(str::Upper(ToStoredFieldName(label)));
+    if (const Node rule = dump.childElement(str::Upper(ToStoredFieldName(label))))
+        return rule;
+    // A name that lower case does not give back whole ("İ", the Kelvin
+    // sign): the element of the row's own field, named as the table names it.
+    Node field = m_doc.GetTargetTableNode(str::ToInteger(m_tag).value_or(0)).firstChildElement();
+    for (int row = 0; field && row < m_gridRow; ++row)
+        field = field.nextSiblingElement();
+    return field ? dump.childElement(field.name()) : Node();
 }
 
 void MappingSession::clickCmdDumpText()
