@@ -72,6 +72,27 @@ private Q_SLOTS:
         QCOMPARE(entriesOf(first), QStringList{});
     }
 
+    // The temporary folder is made when it is missing (private); any other
+    // missing folder is an error, and nothing is made in its place.
+    void onlyTheTemporaryFolderIsMade_data()
+    {
+        QTest::addColumn<bool>("inTemp");
+        QTest::newRow("the temporary folder") << true;
+        QTest::newRow("another folder") << false;
+    }
+    void onlyTheTemporaryFolderIsMade()
+    {
+        QFETCH(bool, inTemp);
+        const QString folder = inTemp ? temp : scratch->path() + u"/gone"_s;
+        QString error;
+        QCOMPARE(fb::WriteTextFile(folder + u"/klmno001.xml"_s, u"<x/>"_s, &error), inTemp);
+        QCOMPARE(QFileInfo::exists(folder), inTemp);
+        if (inTemp)
+            QCOMPARE(modeOf(folder + u'/'), 0700);
+        else
+            QCOMPARE(error, u"The folder "_s + folder + u" does not exist"_s);
+    }
+
     // Whatever the table name, its file lies directly in the folder; a name
     // that can be a plain file name keeps its form, blanks included.
     void tableFileNames_data()

@@ -114,12 +114,15 @@ TextFileWriter::TextFileWriter(const QString& path) : m_path(LocalFilePath(path)
     if (!QDir(folder).exists()) {
         // Asking for the temporary folder may itself create it again (it is
         // this user's private folder), so look once more before making it.
+        // Only the temporary folder is made; any other folder that is
+        // missing was mistyped or has gone, and nothing is made in its place.
         const bool inTemp = ensureTrailingSlash(folder) == TempFolder();
         const bool made =
             QDir(folder).exists() ||
-            (QDir().mkpath(folder) && (!inTemp || ::chmod(QFile::encodeName(folder).constData(), 0700) == 0));
+            (inTemp && QDir().mkpath(folder) && ::chmod(QFile::encodeName(folder).constData(), 0700) == 0);
         if (!made) {
-            fail(QStringLiteral("Cannot create the folder ") + folder);
+            fail(inTemp ? QStringLiteral("Cannot create the folder ") + folder
+                        : QStringLiteral("The folder ") + folder + QStringLiteral(" does not exist"));
             return;
         }
     }

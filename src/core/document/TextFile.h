@@ -30,8 +30,9 @@ QString TempFilePath(const QString& tableName, const QString& suffix);
 // character of any script is lost). The file is replaced in one step by a
 // new file of this user's: a reader sees the old content or the new, and a
 // link planted at the path is replaced, never written through. Creates the
-// folder when it is missing. Returns false (with the reason in error, when
-// given) when the file cannot be written.
+// temporary folder when it is missing; any other folder must exist. Returns
+// false (with the reason in error, when given) when the file cannot be
+// written.
 bool WriteTextFile(const QString& path, const QString& text, QString* error = nullptr);
 
 // A file written as WriteTextFile writes it, in pieces: the pieces go into
