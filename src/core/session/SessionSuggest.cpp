@@ -12,8 +12,15 @@ void MappingSession::clickCmdSuggest()
 {
     CommitOpenEdit();
     const qint16 number = str::ToInteger(m_tag).value_or(0);
-    if (number <= 0 || m_rules.rowCount() == 0 || m_dialogOpen)
+    if (number <= 0 || m_dialogOpen)
         return;
+    if (m_rules.rowCount() == 0) {
+        m_ui.MsgBox(
+            QStringLiteral("Dump ") + QString::number(number) +
+                QStringLiteral(" has no target field to suggest a rule for: its target table has no fields."),
+            MsgButtons::Ok, MsgIcon::Information, QStringLiteral("Suggestions"));
+        return;
+    }
     SuggestOptions options;
     options.top = 5;
     const DocumentSuggestions all = SuggestForDocument(m_doc, number, options);
