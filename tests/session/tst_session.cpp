@@ -85,6 +85,9 @@ class ScriptedUser : public fb::Interaction {
 public:
     QStringList* log = nullptr;
     std::deque<QString> answers;
+    // Steps the host takes while the next review is open, and who takes them.
+    std::deque<QString> meanwhile;
+    std::function<void(const QString&)> hostStep;
 
     QString next(const QString& fallback)
     {
@@ -131,6 +134,10 @@ public:
     {
         const QStringList answer = next(u"ticked"_s).split(u' ', Qt::SkipEmptyParts);
         log->append(u"  review \"%1\" from %2:"_s.arg(title).arg(threshold));
+        for (; !meanwhile.empty(); meanwhile.pop_front()) {
+            log->append(u"    meanwhile "_s + meanwhile.front());
+            hostStep(meanwhile.front());
+        }
         QList<fb::AcceptedSuggestion> taken;
         for (const fb::SuggestionRow& r : rows) {
             const bool ticked = !r.candidates.isEmpty() && r.candidates[0].score >= threshold &&
@@ -159,7 +166,13 @@ public:
 
 class Runner {
 public:
-    explicit Runner(const QString& documents) : m_documents(documents) { m_user.log = &m_log; }
+    explicit Runner(const QString& documents) : m_documents(documents)
+    {
+        m_user.log = &m_log;
+        m_user.hostStep = [this](const QString& line) {
+            step(line.section(u' ', 0, 0), line.section(u' ', 1));
+        };
+    }
 
     // A fresh control: a new session, its events written to the log.
     void create()
@@ -267,6 +280,8 @@ private:
                 return false;
         } else if (verb == u"answer") {
             m_user.answers.push_back(rest);
+        } else if (verb == u"meanwhile") { // meanwhile STEP: taken while the next review is open
+            m_user.meanwhile.push_back(rest);
         } else if (verb == u"tab") {
             s.TabChanged(num(rest));
         } else if (verb == u"box" || verb == u"leave") {

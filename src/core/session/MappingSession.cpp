@@ -91,6 +91,7 @@ QString MappingSession::shownText(const QString& stored) const
 void MappingSession::setMappingObjectXML(const QString& text)
 {
     m_doc.LoadXml(text);
+    ++m_documentLoads;
     m_sourceFieldsKnown = false;
     // Nothing of the previous document is undone into this one or checked.
     clearHistory();

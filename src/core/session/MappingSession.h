@@ -383,6 +383,7 @@ private:
     bool m_multiTarget = false;
     bool m_editorBusy = false;
     bool m_dialogOpen = false;
+    quint64 m_documentLoads = 0; // documents assigned so far: a dialog sees whether its document stayed
     QString m_editorPath;
     QString m_targetTableAssigned;
     QString m_preConditionAssigned;

@@ -37,11 +37,22 @@ void MappingSession::clickCmdSuggest()
         rows.append(row);
     }
     m_dialogOpen = true;
+    const quint64 loads = m_documentLoads;
+    const QString tag = m_tag;
     const QList<AcceptedSuggestion> taken = m_ui.ReviewSuggestions(
         QStringLiteral("Suggestions for dump ") + QString::number(number), rows, kSuggestThreshold);
     m_dialogOpen = false;
-    if (taken.isEmpty() || !m_edit)
+    if (taken.isEmpty())
         return;
+    // The host may have assigned another document, shown another dump or
+    // locked the control while the review was open: the rules taken belong
+    // to what is gone, and the user is told rather than left to wonder.
+    if (!m_edit || loads != m_documentLoads || tag != m_tag) {
+        m_ui.MsgBox(QStringLiteral("Nothing was written: the mapping object changed or was locked while the "
+                                   "suggestions were reviewed."),
+                    MsgButtons::Ok, MsgIcon::Exclamation, QStringLiteral("Suggestions"));
+        return;
+    }
 
     // The type descriptions the conversions need, as the field lists show them.
     QHash<QString, QString> sourceTypes;
