@@ -7,7 +7,6 @@
 #include "core/report/Report.h"
 
 #include <QCommandLineParser>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cstdio>
@@ -105,12 +104,6 @@ int RunReport(const QStringList& arguments)
     const QString out = fb::LocalFilePath(parser.value(outOption));
     if (out.endsWith(u'/') || QFileInfo(out).isDir()) {
         PrintError(command, QStringLiteral("cannot write %1: it is a folder").arg(parser.value(outOption)));
-        return Failure;
-    }
-    // A mistyped folder is an error, not one to make.
-    if (!QFileInfo(out).absoluteDir().exists()) {
-        PrintError(command, QStringLiteral("cannot write %1: the folder %2 does not exist")
-                                .arg(parser.value(outOption), QFileInfo(out).absolutePath()));
         return Failure;
     }
     if (!writeReport(doc, *format, out, &error)) {
